@@ -1,6 +1,7 @@
 #include "files/FolderItemSize.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/FileSystem.h"
@@ -87,6 +88,10 @@ void Walk(platform::FolderCursor& cursor, Totals& root) {
     }
 }
 
+Variant KeyVariant(std::string_view key) {
+    return StringToVariant(std::string(key));
+}
+
 void CheckItem(const std::shared_ptr<FolderItem>& item) {
     if (item == nullptr)
         throw NilObjectException(kNilItemMessage);
@@ -125,20 +130,19 @@ std::shared_ptr<Dictionary> SizeAsDictionaryZRV(const std::shared_ptr<FolderItem
     int64_t fileCount = 0;
     int64_t folderCount = 0;
     CalcFolderItem(item, dataSize, resourceSize, fileCount, folderCount);
-    auto sizes = std::make_shared<Dictionary>();
-    sizes->SetValue(StringToVariant(std::string(kDataSizeKey)), DoubleToVariant(dataSize));
-    sizes->SetValue(StringToVariant(std::string(kResourceSizeKey)), DoubleToVariant(resourceSize));
-    sizes->SetValue(StringToVariant(std::string(kFileCountKey)), Int64ToVariant(fileCount));
-    sizes->SetValue(StringToVariant(std::string(kFolderCountKey)), Int64ToVariant(folderCount));
-    return sizes;
+    return std::make_shared<Dictionary>(std::vector<std::pair<Variant, Variant>>{
+        {KeyVariant(kDataSizeKey), DoubleToVariant(dataSize)},
+        {KeyVariant(kResourceSizeKey), DoubleToVariant(resourceSize)},
+        {KeyVariant(kFileCountKey), Int64ToVariant(fileCount)},
+        {KeyVariant(kFolderCountKey), Int64ToVariant(folderCount)},
+    });
 }
 
 double SizeZRV(const std::shared_ptr<FolderItem>& item) {
     if (item == nullptr || !item->Exists())
         return 0.0;
     if (item->IsFolder()) {
-        return VariantToDouble(
-            SizeAsDictionaryZRV(item)->Value(StringToVariant(std::string(kDataSizeKey))));
+        return VariantToDouble(SizeAsDictionaryZRV(item)->Value(KeyVariant(kDataSizeKey)));
     }
     return static_cast<double>(PhysicalFileTotalLengthMBS(item));
 }

@@ -47,27 +47,20 @@ std::multiset<std::string> TrueItemNames(const std::shared_ptr<FolderItem>& fold
 class EnvironmentGuard {
   public:
     ~EnvironmentGuard() {
-        for (const auto& [name, value] : saved_) {
-            if (value) {
-                setenv(name.c_str(), value->c_str(), 1);
-            } else {
-                unsetenv(name.c_str());
-            }
-        }
+        for (const auto& [name, value] : saved_)
+            Put(name, value);
     }
     void Set(const std::string& name, const std::optional<std::string>& value) {
-        if (!saved_.contains(name)) {
-            const char* old = std::getenv(name.c_str());
-            saved_[name] = old != nullptr ? std::optional<std::string>(old) : std::nullopt;
-        }
-        if (value) {
-            setenv(name.c_str(), value->c_str(), 1);
-        } else {
-            unsetenv(name.c_str());
-        }
+        const char* old = std::getenv(name.c_str());
+        saved_.try_emplace(name, old != nullptr ? std::optional<std::string>(old) : std::nullopt);
+        Put(name, value);
     }
 
   private:
+    static void Put(const std::string& name, const std::optional<std::string>& value) {
+        value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
+    }
+
     std::map<std::string, std::optional<std::string>> saved_;
 };
 
@@ -326,15 +319,6 @@ TEST(FolderItem, DisplayNames) {
         SCOPED_TRACE(row.path);
         EXPECT_EQ(Item(temp / row.path)->DisplayName(), row.shown);
     }
-}
-
-TEST(FolderItem, AbsolutePath) {
-    char* cwd = getcwd(nullptr, 0);
-    ASSERT_NE(cwd, nullptr);
-    const std::string current(cwd);
-    std::free(cwd);
-    EXPECT_EQ(FolderItem("/etc/hosts").AbsolutePath(), "/etc/hosts");
-    EXPECT_EQ(FolderItem("some/file").AbsolutePath(), current + "/some/file");
 }
 
 TEST(BinaryStream, CreateWritesTheBytesAsGiven) {
