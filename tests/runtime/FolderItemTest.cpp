@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "RecordingFileSystem.h"
-#include "TempFolder.h"
+#include "fakes/RecordingFileSystem.h"
+#include "fakes/TempFolder.h"
 #include "runtime/BinaryStream.h"
 #include "runtime/RuntimeException.h"
 #include "runtime/SpecialFolder.h"
