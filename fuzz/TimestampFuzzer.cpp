@@ -1,0 +1,30 @@
+// Any stored text must read as a date or as nil; only the exceptions the reader
+// documents may leave it, and a date it gives must write and read back.
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "datetime/ExtensionDate.h"
+#include "runtime/RuntimeException.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    std::shared_ptr<DateTime> date;
+    try {
+        date = ExtensionDate::ParseTimeStampZRV(text);
+    } catch (const RuntimeException&) {
+        return 0;  // the calendar's own refusals pass up by design
+    }
+    if (date == nullptr || date->Year() < 1 || date->Year() > 9999)
+        return 0;
+    const std::string written = ExtensionDate::ISO8601TimeStampZRV(date);
+    const auto back = ExtensionDate::ParseTimeStampZRV(written);
+    if (back == nullptr || static_cast<int64_t>(back->SecondsFrom1970()) !=
+                               static_cast<int64_t>(std::floor(date->SecondsFrom1970()))) {
+        // A date whose zone offset has seconds loses them; anything else is a fault.
+        if (date->Timezone()->SecondsFromGMT() % 60 == 0)
+            __builtin_trap();
+    }
+    return 0;
+}
