@@ -17,7 +17,8 @@ constexpr const char* kNilArray = "The array is Nil.";
 // Appends every element of the typed view of value, boxed as a Variant.
 template <class T>
 ArrayRef<Variant> BoxAll(const Variant& value, ArrayRef<Variant> result) {
-    for (const T& element : VariantArrayAssignmentWithTypeCheck<T>(value)->items) {
+    const ArrayRef<T> typed = VariantArrayAssignmentWithTypeCheck<T>(value);
+    for (const T& element : typed->items) {
         if constexpr (std::is_same_v<T, std::shared_ptr<DateTime>>) {
             result->items.emplace_back(element);
         } else if constexpr (std::is_same_v<T, int32_t>) {
@@ -32,15 +33,17 @@ ArrayRef<Variant> BoxAll(const Variant& value, ArrayRef<Variant> result) {
 // Arrays of objects do not say their element class, so the views are tried in turn.
 ArrayRef<Variant> ObjectElements(const Variant& value, ArrayRef<Variant> result) {
     try {
-        for (const auto& dictionary :
-             VariantArrayAssignmentWithTypeCheck<std::shared_ptr<Dictionary>>(value)->items) {
+        const auto dictionaries =
+            VariantArrayAssignmentWithTypeCheck<std::shared_ptr<Dictionary>>(value);
+        for (const auto& dictionary : dictionaries->items) {
             result->items.emplace_back(dictionary);
         }
         return result;
     } catch (const TypeMismatchException&) {
     }
     try {
-        for (const Variant& element : VariantArrayAssignmentWithTypeCheck<Variant>(value)->items) {
+        const ArrayRef<Variant> elements = VariantArrayAssignmentWithTypeCheck<Variant>(value);
+        for (const Variant& element : elements->items) {
             result->items.push_back(VariantIsArray(element) ? Variant(ArrayValueZRV(element))
                                                             : element);
         }
