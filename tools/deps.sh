@@ -9,7 +9,8 @@ packages=(
     libgtest-dev libgmock-dev
     libhowardhinnant-date-dev tzdata
     libplist-dev libglib2.0-dev libglib2.0-bin
-    libwxgtk3.2-dev
+    libwxgtk3.2-dev libgtk-3-dev
+    desktop-file-utils systemd man-db
     xvfb xdotool imagemagick dbus dbus-x11 xauth
     gdu
 )
