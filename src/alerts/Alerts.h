@@ -29,4 +29,7 @@ enum class AlertKind { TrashSize, TrashUninstall };
 // display it logs one line naming the alert and returns as after Cancel.
 void OpenAlert(AlertKind kind, const std::string& text, AlertHost& host);
 
+// Ends the window system if an alert started it; nothing otherwise.
+void ShutDown();
+
 }  // namespace alerts
