@@ -34,6 +34,7 @@ const AlertLayout kTrashSizeLayout{
          kSettings, false, "System", false, false},
     }},
     1,
+    "1,000.0 MB",
 };
 
 const AlertLayout kTrashUninstallLayout{
@@ -57,6 +58,7 @@ const AlertLayout kTrashUninstallLayout{
          kSettings, false, "System", false, false},
     }},
     3,
+    "An Application.app",
 };
 
 }  // namespace alerts

@@ -36,6 +36,7 @@ struct AlertLayout {
     WindowProperties window;
     std::array<ControlProperties, 6> controls;  // in the order they are made
     int64_t launchCommand;                      // what btnLaunch hands the companion
+    const char* sampleValue;  // a typical text for "^0", to choose the size of a point by
 };
 
 extern const AlertLayout kTrashSizeLayout;

@@ -3,6 +3,7 @@
 #include <gtk/gtk.h>
 #include <wx/settings.h>
 
+#include <cmath>
 #include <string>
 
 #include "runtime/RuntimeException.h"
@@ -41,23 +42,85 @@ void MakeSelectable(wxStaticText& label) {
     }
 }
 
+// The height of the text wrapped at width, as the label wraps it: at blanks.
+int WrappedHeight(const wxWindow& window, const wxString& text, const wxFont& font, int width) {
+    int lineHeight = 0;
+    int spaceWidth = 0;
+    window.GetTextExtent(" ", &spaceWidth, &lineHeight, nullptr, nullptr, &font);
+    int lines = 1;
+    int lineWidth = 0;
+    for (const wxString& word : wxSplit(text, ' ', '\0')) {
+        int wordWidth = 0;
+        window.GetTextExtent(word, &wordWidth, nullptr, nullptr, nullptr, &font);
+        if (lineWidth > 0 && lineWidth + spaceWidth + wordWidth > width) {
+            ++lines;
+            lineWidth = wordWidth;
+        } else {
+            lineWidth += (lineWidth > 0 ? spaceWidth : 0) + wordWidth;
+        }
+    }
+    return lines * lineHeight;
+}
+
+// The frames were laid out for narrower fonts than most desktops have. A point is
+// taken as large as it must be for every text of the layout to fit its frame at
+// the desktop's own font sizes, and never smaller than a pixel.
+double PointSizeFor(const wxWindow& window, const AlertLayout& layout) {
+    constexpr double kStep = 0.05;
+    constexpr double kLargest = 2.0;
+    constexpr int kButtonPadding = 16;  // the caption's margins inside a button
+    for (double size = 1.0; size < kLargest; size += kStep) {
+        bool fits = true;
+        for (const ControlProperties& control : layout.controls) {
+            if (control.text == nullptr)
+                continue;
+            const wxFont font = FontOf(control);
+            const int width = window.FromDIP(static_cast<int>(std::lround(control.width * size)));
+            const int height = window.FromDIP(static_cast<int>(std::lround(control.height * size)));
+            wxString text = wxString::FromUTF8(control.text);
+            text.Replace("^0", wxString::FromUTF8(layout.sampleValue), false);
+            if (control.controlClass == ControlClass::kLabel) {
+                fits = fits && WrappedHeight(window, text, font, width) <= height;
+            } else {
+                int textWidth = 0;
+                window.GetTextExtent(text, &textWidth, nullptr, nullptr, nullptr, &font);
+                fits = fits && textWidth + window.FromDIP(kButtonPadding) <= width;
+            }
+        }
+        if (fits)
+            return size;
+    }
+    return kLargest;
+}
+
 }  // namespace
 
 AlertWindow::AlertWindow(const AlertLayout& layout, AlertHost& host)
     : wxDialog(nullptr, wxID_ANY, layout.window.title, wxDefaultPosition, wxDefaultSize,
                wxCAPTION | (layout.window.hasCloseButton ? wxCLOSE_BOX : 0)),
       layout_(layout),
-      host_(host) {
+      host_(host),
+      pointSize_(PointSizeFor(*this, layout)) {
     ApplyWindowProperties();
     CreateControls();
     Bind(wxEVT_CHAR_HOOK, &AlertWindow::OnCharHook, this);
 }
 
+wxPoint AlertWindow::Position(int left, int top) const {
+    return FromDIP(wxPoint(static_cast<int>(std::lround(left * pointSize_)),
+                           static_cast<int>(std::lround(top * pointSize_))));
+}
+
+wxSize AlertWindow::Extent(int width, int height) const {
+    return FromDIP(wxSize(static_cast<int>(std::lround(width * pointSize_)),
+                          static_cast<int>(std::lround(height * pointSize_))));
+}
+
 void AlertWindow::ApplyWindowProperties() {
     const WindowProperties& window = layout_.window;
-    SetClientSize(FromDIP(wxSize(window.width, window.height)));
-    SetMinSize(FromDIP(wxSize(window.minimumWidth, window.minimumHeight)));
-    SetMaxSize(FromDIP(wxSize(window.maximumWidth, window.maximumHeight)));
+    SetClientSize(Extent(window.width, window.height));
+    SetMinSize(Extent(window.minimumWidth, window.minimumHeight));
+    SetMaxSize(Extent(window.maximumWidth, window.maximumHeight));
     SetTitle(window.title);
     // Not resizeable: the frames of the layout are the frames on screen.
     SetSizeHints(GetSize(), GetSize());
@@ -71,8 +134,8 @@ void AlertWindow::CreateControls() {
 }
 
 void AlertWindow::AddControl(const ControlProperties& properties) {
-    const wxPoint position = FromDIP(wxPoint(properties.left, properties.top));
-    const wxSize size = FromDIP(wxSize(properties.width, properties.height));
+    const wxPoint position = Position(properties.left, properties.top);
+    const wxSize size = Extent(properties.width, properties.height);
     switch (properties.controlClass) {
         case ControlClass::kCanvas:
             new AppIconCanvas(this, properties.name, position, size);

@@ -31,6 +31,9 @@ class AlertWindow : public wxDialog {
     void btnSettings_Action(wxButton* button);
 
   private:
+    // The points of the layout in this window's pixels.
+    wxPoint Position(int left, int top) const;
+    wxSize Extent(int width, int height) const;
     void ApplyWindowProperties();
     void CreateControls();
     void AddControl(const ControlProperties& properties);
@@ -41,6 +44,8 @@ class AlertWindow : public wxDialog {
 
     const AlertLayout& layout_;
     AlertHost& host_;
+    // How many device-independent pixels a point of the layout takes.
+    double pointSize_ = 1.0;
 };
 
 class wndAlertTrashSize final : public AlertWindow {

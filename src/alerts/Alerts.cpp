@@ -66,8 +66,10 @@ void OpenAlert(AlertKind kind, const std::string& text, AlertHost& host) {
     }
     window->SetName(WindowName(kind));
     wxStaticText* header = window->lblHeader();
-    header->SetLabelText(
-        wxString::FromUTF8(Replace(header->GetLabelText().utf8_string(), "^0", text)));
+    // The label shows its text wrapped at blanks; its own text is unwrapped.
+    wxString unwrapped = header->GetLabelText();
+    unwrapped.Replace("\n", " ");
+    header->SetLabelText(wxString::FromUTF8(Replace(unwrapped.utf8_string(), "^0", text)));
     header->Wrap(header->GetSize().GetWidth());
     window->Raise();
     window->ShowModal();

@@ -32,7 +32,9 @@ std::string ProgramFolder() {
 // A picture of the agent's: beside the program in the build tree, else under the
 // install prefix.
 std::optional<wxBitmap> OpenFromApp(const std::string& name) {
-    wxImage::AddHandler(new wxPNGHandler);  // NOLINT: wx owns its handlers
+    if (wxImage::FindHandler(wxBITMAP_TYPE_PNG) == nullptr) {
+        wxImage::AddHandler(new wxPNGHandler);  // NOLINT: wx owns its handlers
+    }
     const std::string folder = ProgramFolder();
     for (const std::string& candidate :
          {folder + "/resources/" + name, folder + "/../share/larkfen-helper/" + name}) {
