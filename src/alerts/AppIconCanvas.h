@@ -22,7 +22,10 @@ class AppIconCanvas final : public wxWindow {
     AppIconCanvas(wxWindow* parent, const wxString& name, const wxPoint& position,
                   const wxSize& size);
 
-  private:
+      // The icon is no stop of the keyboard's.
+    bool AcceptsFocus() const override { return false; }
+
+private:
     void Event_Open();
     void Event_Paint(wxPaintEvent& event);
 };
