@@ -60,8 +60,6 @@ void OnCall(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gc
         const gchar* action = nullptr;
         g_variant_get_child(parameters, 0, "&s", &action);
         Record(action);
-    } else if (std::strcmp(method, "Activate") == 0) {
-        Record("(activated)");
     }
     g_dbus_method_invocation_return_value(invocation, nullptr);
     RestartIdleTimer();
