@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "platform/FileSystem.h"
+#include "platform/ServiceSlot.h"
 #include "platform/linux/DisplayNameLinux.h"
 #include "platform/linux/FileStatusLinux.h"
 #include "platform/linux/FolderCursorLinux.h"
@@ -120,7 +121,7 @@ class FileSystemLinux final : public FileSystem {
     }
 };
 
-FileSystem* installed = nullptr;
+ServiceSlot<FileSystem> slot;
 
 }  // namespace
 
@@ -143,11 +144,11 @@ std::string ChildPath(std::string_view folderPath, std::string_view name) {
 
 FileSystem& CurrentFileSystem() {
     static FileSystemLinux own;
-    return installed != nullptr ? *installed : own;
+    return slot.Current(own);
 }
 
 void InstallFileSystem(FileSystem* fileSystem) {
-    installed = fileSystem;
+    slot.Install(fileSystem);
 }
 
 }  // namespace platform

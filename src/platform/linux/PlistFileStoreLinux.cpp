@@ -25,6 +25,8 @@
 #include "platform/LogSink.h"
 #include "platform/PreferenceStore.h"
 #include "platform/PropertyListFile.h"
+#include "platform/ServiceSlot.h"
+#include "platform/linux/XdgLocationsLinux.h"
 
 namespace platform {
 
@@ -35,15 +37,12 @@ constexpr const char* kDamagedFile = "Preferences file is damaged and was read a
 constexpr const char* kUnreadableFile =
     "Preferences file could not be read and was read as empty: ";
 
-std::string EnvironmentFolder(const char* variable, const std::string& fallback) {
-    const char* value = std::getenv(variable);
+// The first of $XDG_CONFIG_DIRS, where settings for every user live.
+std::string SystemConfigFolder() {
+    const char* value = std::getenv("XDG_CONFIG_DIRS");
     // Relative paths in the XDG variables are to be ignored.
-    return value != nullptr && value[0] == '/' ? std::string(value) : fallback;
-}
-
-std::string Home() {
-    const char* home = std::getenv("HOME");
-    return home != nullptr ? home : "";
+    const std::string dirs = value != nullptr && value[0] == '/' ? value : "/etc/xdg";
+    return dirs.substr(0, dirs.find(':'));
 }
 
 std::string MachineId() {
@@ -58,10 +57,9 @@ std::string DomainPath(const std::string& domain, const std::string& user,
         domain == kCFPreferencesAnyApplication ? std::string(kGlobalDomainFile) : domain;
     std::string folder;
     if (user == kCFPreferencesAnyUser) {
-        const std::string dirs = EnvironmentFolder("XDG_CONFIG_DIRS", "/etc/xdg");
-        folder = dirs.substr(0, dirs.find(':'));
+        folder = SystemConfigFolder();
     } else {
-        folder = EnvironmentFolder("XDG_CONFIG_HOME", Home() + "/.config");
+        folder = xdg::ConfigHome();
     }
     if (host == kCFPreferencesCurrentHost)
         return folder + "/ByHost/" + name + "." + MachineId() + ".plist";
@@ -262,17 +260,17 @@ class PlistFileStore final : public PreferenceStore {
     std::map<std::string, DomainView> views_;
 };
 
-PreferenceStore* installed = nullptr;
+ServiceSlot<PreferenceStore> slot;
 
 }  // namespace
 
 PreferenceStore& CurrentPreferenceStore() {
     static PlistFileStore own;
-    return installed != nullptr ? *installed : own;
+    return slot.Current(own);
 }
 
 void InstallPreferenceStore(PreferenceStore* store) {
-    installed = store;
+    slot.Install(store);
 }
 
 }  // namespace platform

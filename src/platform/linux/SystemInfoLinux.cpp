@@ -7,6 +7,7 @@
 #include <fstream>
 #include <string>
 
+#include "platform/ServiceSlot.h"
 #include "platform/SystemInfo.h"
 
 namespace platform {
@@ -59,17 +60,17 @@ class OsRelease final : public SystemInfo {
     std::string name_;
 };
 
-SystemInfo* installed = nullptr;
+ServiceSlot<SystemInfo> slot;
 
 }  // namespace
 
 SystemInfo& CurrentSystemInfo() {
     static OsRelease own;
-    return installed != nullptr ? *installed : own;
+    return slot.Current(own);
 }
 
 void InstallSystemInfo(SystemInfo* info) {
-    installed = info;
+    slot.Install(info);
 }
 
 }  // namespace platform

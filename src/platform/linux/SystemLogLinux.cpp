@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/LogSink.h"
+#include "platform/ServiceSlot.h"
 
 namespace platform {
 
@@ -27,17 +28,17 @@ class SystemLog final : public LogSink {
     void Flush() override { std::fflush(stderr); }
 };
 
-LogSink* installed = nullptr;
+ServiceSlot<LogSink> slot;
 
 }  // namespace
 
 LogSink& CurrentLogSink() {
     static SystemLog own;
-    return installed != nullptr ? *installed : own;
+    return slot.Current(own);
 }
 
 void InstallLogSink(LogSink* sink) {
-    installed = sink;
+    slot.Install(sink);
 }
 
 }  // namespace platform
