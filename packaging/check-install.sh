@@ -27,9 +27,13 @@ done
 if command -v systemd-analyze >/dev/null; then
     runtime=$(mktemp -d)
     output=$(cd "$root/lib/systemd/user" && XDG_RUNTIME_DIR="$runtime" \
-        MANPATH="$root/share/man" systemd-analyze verify --user --root="$stage" \
-        ./*.path ./*.timer ./*.service 2>&1) || fail "systemd-analyze: $output"
+        MANPATH="$root/share/man" systemd-analyze verify --user \
+        ./*.path ./*.timer ./*.service 2>&1) || true
     rm -rf "$runtime"
+    # The units name the binary where it will be installed; here it is staged.
+    if [ -x "$root/bin/larkfen-helper" ]; then
+        output=$(echo "$output" | grep -v "Command $prefix/bin/larkfen-helper is not executable" || true)
+    fi
     # verify reports problems on its output while still exiting 0.
     [ -z "$output" ] || fail "systemd-analyze: $output"
 else
