@@ -12,6 +12,7 @@
 namespace {
 
 constexpr const char* kCrashLogName = "LarkfenHelperCrashLog.txt";
+constexpr const char* kNoDesktop = "The desktop folder is nil.";
 
 void WriteLine(BinaryStream& stream, const std::string& text) {
     stream.Write(text + std::string(EndOfLine));
@@ -23,8 +24,11 @@ bool App::Event_UnhandledException(const RuntimeException& error) {
     const std::string stack = Join(error.Stack(), " ");
     System::DebugLog(error.Message());
     System::DebugLog(stack);
-    const auto stream =
-        BinaryStream::Create(SpecialFolder::Desktop()->Child(kCrashLogName, true), true);
+    // Without a home there is no desktop; that fails as using any nil object does.
+    const auto desktop = SpecialFolder::Desktop();
+    if (desktop == nullptr)
+        throw NilObjectException(kNoDesktop);
+    const auto stream = BinaryStream::Create(desktop->Child(kCrashLogName, true), true);
     WriteLine(*stream, error.Message());
     WriteLine(*stream, stack);
     stream->Close();

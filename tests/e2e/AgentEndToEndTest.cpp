@@ -271,33 +271,55 @@ TEST(Agent, FailingCommandIsLogged) {
 }
 
 TEST(Agent, CrashReport) {
-    Sandbox sandbox;
-    sandbox.InstallCompanion(kAllVerbs);
-    const std::string crashLog = sandbox.Desktop() + "/LarkfenHelperCrashLog.txt";
-    std::ofstream(crashLog) << "an older crash\nwith its stack\nand more\n";
-    // A folder in the Trash that cannot be listed ends the measurement with an exception.
-    std::filesystem::create_directories(sandbox.Trash() + "/locked/inner");
-    std::filesystem::permissions(sandbox.Trash() + "/locked", std::filesystem::perms::none);
-    // Root reads every folder; the agent then runs as nobody, in a sandbox open to it.
-    if (getuid() == 0) {
-        ASSERT_EQ(system(("chmod -R a+rwX " + sandbox.Trash() + "/../../.. && chmod 000 " +
-                          sandbox.Trash() + "/locked")
-                             .c_str()),
-                  0);
+    struct Row {
+        const char* what;
+        bool desktop;
+        int exitCode;
+    };
+    const Row rows[] = {
+        {"an older crash log is replaced", true, 0},
+        // The handler's own failure ends the process with the runtime's report.
+        {"no desktop folder to write to", false, 1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        Sandbox sandbox;
+        sandbox.InstallCompanion(kAllVerbs);
+        const std::string crashLog = sandbox.Desktop() + "/LarkfenHelperCrashLog.txt";
+        if (row.desktop) {
+            std::ofstream(crashLog) << "an older crash\nwith its stack\nand more\n";
+        } else {
+            std::filesystem::remove_all(sandbox.Desktop());
+        }
+        // A folder in the Trash that cannot be listed ends the measurement with an exception.
+        std::filesystem::create_directories(sandbox.Trash() + "/locked/inner");
+        std::filesystem::permissions(sandbox.Trash() + "/locked", std::filesystem::perms::none);
+        // Root reads every folder; the agent then runs as nobody, in a sandbox open to it.
+        if (getuid() == 0) {
+            ASSERT_EQ(system(("chmod -R a+rwX " + sandbox.Trash() + "/../../.. && chmod 000 " +
+                              sandbox.Trash() + "/locked")
+                                 .c_str()),
+                      0);
+        }
+        const AgentRun run = sandbox.Start({"-TrashChanged"}, false, /*asNobody=*/true);
+        EXPECT_EQ(run.exitCode, row.exitCode);
+        ASSERT_GE(run.log.size(), 2U);
+        EXPECT_EQ(run.log[0], "Permission denied");
+        EXPECT_NE(run.log[1].find("Handle_WatchTrash"), std::string::npos) << run.log[1];
+        EXPECT_FALSE(OwnKey(sandbox, "TrashUninstallerHistory").has_value());  // never reached
+        if (!row.desktop) {
+            EXPECT_EQ(run.log.size(), 3U);
+            EXPECT_FALSE(std::filesystem::exists(sandbox.Desktop()));  // never created
+            continue;
+        }
+        EXPECT_EQ(run.log.size(), 2U);
+        std::ifstream file(crashLog);
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(file, line);)
+            lines.push_back(line);
+        // The log and the file hold the same two texts.
+        EXPECT_EQ(lines, std::vector<std::string>(run.log.begin(), run.log.begin() + 2));
     }
-    const AgentRun run = sandbox.Start({"-TrashChanged"}, false, /*asNobody=*/true);
-    EXPECT_EQ(run.exitCode, 0);
-    std::ifstream file(crashLog);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);)
-        lines.push_back(line);
-    ASSERT_EQ(lines.size(), 2U);
-    EXPECT_EQ(lines[0], "Permission denied");
-    EXPECT_FALSE(lines[1].empty());
-    ASSERT_GE(run.log.size(), 2U);
-    EXPECT_EQ(run.log[0], lines[0]);
-    EXPECT_EQ(run.log[1], lines[1]);
-    EXPECT_FALSE(OwnKey(sandbox, "TrashUninstallerHistory").has_value());  // never reached
 }
 
 }  // namespace
