@@ -100,6 +100,8 @@ TEST(Agent, SizeWarningDecision) {
         {"first run, exactly the step", 50 * kMiB, {}, {}, true, false},
         {"grown by exactly the step", 150 * kMiB, 100.0 * kMiB, 3600, true, false},
         {"grown by the step and a byte", 150 * kMiB + 1, 100.0 * kMiB, 3600, true, true},
+        {"grown, last warning 6 days ago", 200 * kMiB, 100.0 * kMiB, 6 * kDay, true, true},
+        {"large, not grown, never warned", 120 * kMiB, 100.0 * kMiB, {}, true, false},
         {"grown, last warning 30 s ago", 200 * kMiB, 100.0 * kMiB, 30, true, false},
         {"emptied, large, 6 days old", 60 * kMiB, 1024.0 * kMiB, 6 * kDay, true, true},
         {"emptied, large, 4 days old", 60 * kMiB, 1024.0 * kMiB, 4 * kDay, true, false},
@@ -193,6 +195,19 @@ TEST(Agent, ApplicationFilter) {
     run = sandbox.Start({"-TrashChanged"});
     all.erase("New.app");
     EXPECT_EQ(StoredHistory(sandbox), all);
+}
+
+TEST(Agent, SizeAlertComesBeforeTheApplicationAlert) {
+    Sandbox sandbox;
+    sandbox.InstallCompanion(kAllVerbs);
+    sandbox.WritePreferences(kCompanion,
+                             {{"AlertTrashFull", "<true/>"}, {"AlertUninstallApps", "<true/>"}});
+    sandbox.TrashFile("big.bin", 60 * kMiB);
+    sandbox.TrashBundle("New.app", "<key>CFBundleName</key><string>New</string>");
+    const AgentRun run = sandbox.Start({"-TrashChanged"});
+    EXPECT_EQ(run.log, (std::vector<std::string>{kSizeAlert, kUninstallAlert}));
+    EXPECT_EQ(StoredHistory(sandbox), (std::set<std::string>{"big.bin", "New.app"}));
+    EXPECT_TRUE(OwnKey(sandbox, "TrashLastWarnSizeSize").has_value());
 }
 
 TEST(Agent, ScanSuggestionDecision) {
