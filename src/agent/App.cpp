@@ -1,5 +1,6 @@
 #include "agent/App.h"
 
+#include <array>
 #include <vector>
 
 #include "platform/ProcessInfo.h"
@@ -18,6 +19,9 @@ constexpr const char* kScheduler = "-Scheduler";
 constexpr const char* kQuerySuggestRun = "-QuerySuggestRun";
 constexpr int64_t kScanScheduled = 4;
 
+// The application events the agent answers; all others go unanswered.
+constexpr std::array<const char*, 2> kHandledEvents{"Open", "UnhandledException"};
+
 App* registered = nullptr;
 
 }  // namespace
@@ -33,6 +37,14 @@ App::~App() {
 
 App& TheApp() {
     return *registered;
+}
+
+bool App::IsEventImplemented(std::string_view name) {
+    for (const char* event : kHandledEvents) {
+        if (TextEquals(name, event))
+            return true;
+    }
+    return false;
 }
 
 void App::Quit(int code) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "alerts/Alerts.h"
 #include "runtime/FolderItem.h"
@@ -45,6 +46,10 @@ class App final : public alerts::AlertHost {
     void Handle_QuerySuggestRun();
     // The companion's desktop entry, or nil (logged) when it is not installed.
     std::shared_ptr<FolderItem> GetCleanerApp();
+
+    // Whether App itself answers the named application event: true for "Open" and
+    // "UnhandledException" (in any capitals), false for every other name.
+    static bool IsEventImplemented(std::string_view name);
 
     // Asks the process to end with the code once Event_Open has returned.
     void Quit(int code);
