@@ -213,9 +213,11 @@ PropertyListValue FromNode(plist_t node) {
             return PropertyListValue::Real(number);
         }
         case PLIST_STRING: {
-            char* text = nullptr;
-            plist_get_string_val(node, &text);
-            return PropertyListValue::String(TakeText(text));
+            // Read with its length: the library's copying reader aborts on a string
+            // that holds a NUL byte, which a damaged file can.
+            uint64_t length = 0;
+            const char* text = plist_get_string_ptr(node, &length);
+            return PropertyListValue::String(text != nullptr ? std::string(text, length) : "");
         }
         case PLIST_DATE: {
             int32_t seconds = 0;

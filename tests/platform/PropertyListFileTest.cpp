@@ -96,6 +96,15 @@ TEST(PropertyListFile, RefusesDeepAndLargeInputBeforeParsing) {
     EXPECT_FALSE(ParsePropertyList(large).has_value());
 }
 
+TEST(PropertyListFile, StringsWithNulBytesDoNotAbort) {
+    // Found by the fuzzer: a text node holding NUL bytes made the library assert.
+    const std::string bytes = std::string("<?xml version=\"1.0\"?><plist><string>v") +
+                              std::string(3, '\0') + "alues</string></plist>";
+    const auto value = ParsePropertyList(bytes);
+    ASSERT_TRUE(value.has_value());
+    EXPECT_EQ(value->Text().size(), 9U);
+}
+
 TEST(PropertyListFile, RefusesBinaryCycles) {
     // One array object whose only element is itself.
     std::string cyclic = "bplist00";
