@@ -28,7 +28,7 @@ class AppleScript {
 
 // A new script object: the installed factory's, else the platform's.
 std::unique_ptr<AppleScript> NewAppleScript();
-// Replaces the factory; an empty one restores the platform's own.
+// Replaces the factory; an empty one (nullptr) restores the platform's own.
 void InstallAppleScriptFactory(std::function<std::unique_ptr<AppleScript>()> factory);
 
 }  // namespace platform
