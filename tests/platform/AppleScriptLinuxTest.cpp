@@ -29,7 +29,7 @@ std::optional<platform::AppleScriptError> RunScript(const std::string& source) {
 // Waits a bounded while for a detached command to write its file.
 std::string AwaitFile(const TempFolder& folder, const std::string& name) {
     for (int attempt = 0; attempt < 200; ++attempt) {
-        if (const std::string text = folder.ReadFile(name); !text.empty())
+        if (std::string text = folder.ReadFile(name); !text.empty())
             return text;
         std::this_thread::sleep_for(std::chrono::milliseconds(25));
     }

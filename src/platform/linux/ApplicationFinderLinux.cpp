@@ -3,13 +3,17 @@
 // the first found winning; failing that, an entry there whose Name is the name.
 // An entry with Hidden=true counts as absent. The folders are read at each call
 // (GIO's own lookup keeps what it found first for the life of the process).
+#include "platform/ApplicationFinder.h"
+
 #include <dirent.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
-#include "platform/ApplicationFinder.h"
 #include "platform/DesktopEntry.h"
 #include "platform/linux/XdgLocationsLinux.h"
 
@@ -38,15 +42,26 @@ bool Usable(const std::optional<DesktopEntry>& entry) {
     return entry && !entry->hidden && entry->type == "Application";
 }
 
+std::string ChildPath(const std::string& folder, const std::string& file) {
+    std::string path = folder;
+    path += '/';
+    path += file;
+    return path;
+}
+
 std::optional<std::string> FindByName(const std::string& folder, const std::string& name) {
     const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.c_str()), closedir);
     if (listing == nullptr)
         return std::nullopt;
+    // In name order, so that of two entries with that name the same one wins every time.
+    std::vector<std::string> files;
     while (const dirent* entry = readdir(listing.get())) {
-        const std::string file = entry->d_name;
-        if (!file.ends_with(".desktop"))
-            continue;
-        const std::string path = folder + "/" + file;
+        if (std::string file = entry->d_name; file.ends_with(".desktop"))
+            files.push_back(std::move(file));
+    }
+    std::sort(files.begin(), files.end());
+    for (const std::string& file : files) {
+        std::string path = ChildPath(folder, file);
         const auto desktopEntry = ReadDesktopEntry(path);
         if (Usable(desktopEntry) && desktopEntry->name == name)
             return path;
@@ -62,7 +77,7 @@ std::optional<std::string> LaunchServicesFindApplicationForInfoMBS(const std::st
     const std::vector<std::string> folders = ApplicationFolders();
     if (!bundleID.empty()) {
         for (const std::string& folder : folders) {
-            const std::string path = folder + "/" + bundleID + ".desktop";
+            std::string path = ChildPath(folder, bundleID + ".desktop");
             if (Usable(ReadDesktopEntry(path)))
                 return path;
         }
