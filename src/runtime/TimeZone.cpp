@@ -15,6 +15,8 @@ namespace {
 using std::chrono::sys_seconds;
 
 constexpr const char* kUnknownZone = "Unknown time zone: ";
+constexpr const char* kOffsetOutOfRange = "Time zone offset out of range";
+constexpr int64_t kLargestOffset = 18 * 3600;
 
 struct CommonAbbreviation {
     std::string_view name;
@@ -115,7 +117,11 @@ std::string FixedAbbreviation(int64_t offset) {
 }  // namespace
 
 TimeZone::TimeZone(int64_t secondsFromGMT)
-    : fixedOffset_(secondsFromGMT), name_(FixedAbbreviation(secondsFromGMT)) {}
+    : fixedOffset_(secondsFromGMT), name_(FixedAbbreviation(secondsFromGMT)) {
+    if (secondsFromGMT > kLargestOffset || secondsFromGMT < -kLargestOffset) {
+        throw InvalidArgumentException(kOffsetOutOfRange);
+    }
+}
 
 TimeZone::TimeZone(const date::time_zone* region, std::string name)
     : region_(region), name_(std::move(name)) {}

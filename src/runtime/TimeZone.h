@@ -18,7 +18,8 @@ class time_zone;
 
 class TimeZone final : public Object {
   public:
-    // A fixed offset, positive east of Greenwich.
+    // A fixed offset, positive east of Greenwich. InvalidArgumentException "Time
+    // zone offset out of range" beyond 18 hours either way, wider than any zone.
     explicit TimeZone(int64_t secondsFromGMT);
     // The empty name: the current zone. Otherwise a numeric offset ("+04", "-0330",
     // "+05:45"), an abbreviation of the current zone (of any season), a common

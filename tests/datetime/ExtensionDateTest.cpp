@@ -96,6 +96,17 @@ TEST(ParseTimeStampZRV, NumbersAndPlainDatesAreLocal) {
     EXPECT_EQ(ParseTimeStampZRV("2020-13-06"), nullptr);
 }
 
+TEST(ParseTimeStampZRV, RefusedOffsetsPassUp) {
+    // Found by the fuzzer: hours of offset beyond any zone made a date no calendar holds.
+    for (const char* text :
+         {"2020-05-06T07:08:09+99", "1200-05-06T07:08:0.95-0444444444444$44444445:5",
+          "2020-05-06T07:08:09+18:01"}) {
+        EXPECT_THROW(ParseTimeStampZRV(text), InvalidArgumentException) << text;
+    }
+    EXPECT_NE(ParseTimeStampZRV("2020-05-06T07:08:09+18:00"), nullptr);
+    EXPECT_NE(ParseTimeStampZRV("2020-05-06T07:08:09-18:00"), nullptr);
+}
+
 TEST(ISO8601TimeStampZRV, Shapes) {
     struct Row {
         int64_t year, month, offset;
