@@ -3,8 +3,8 @@
 
 #include <array>
 
-#include "platform/AppleScript.h"
 #include "platform/ApplicationFinder.h"
+#include "platform/ScriptEngine.h"
 #include "runtime/DebugLog.h"
 #include "runtime/Text.h"
 
@@ -48,7 +48,7 @@ void App::ShowCleanerAppWithCommand(int64_t command) {
     const std::string source = "tell application \"" + companion->AbsolutePath() + "\"" + eol +
                                "activate" + eol + kVerbs[static_cast<size_t>(command - 1)] + eol +
                                "end tell";
-    const auto script = platform::NewAppleScript();
+    const auto script = platform::NewScriptEngine();
     script->Compile(source);
     script->Execute();
     const auto& error = script->Error();

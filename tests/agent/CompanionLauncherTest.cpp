@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "agent/App.h"
-#include "fakes/RecordingAppleScript.h"
 #include "fakes/RecordingLog.h"
+#include "fakes/RecordingScriptEngine.h"
 #include "fakes/ScopedEnvironment.h"
 #include "fakes/TempFolder.h"
 
@@ -38,7 +38,7 @@ class Launcher : public testing::Test {
     TempFolder data_;
     ScopedEnvironment environment_;
     RecordingLog log_;
-    RecordingAppleScript scripts_;
+    RecordingScriptEngine scripts_;
     App app_;
 };
 
@@ -102,20 +102,19 @@ TEST_F(Launcher, FindsTheCompanionAfreshEachTime) {
 TEST_F(Launcher, LogsOnlyARealScriptError) {
     struct Row {
         const char* what;
-        std::optional<platform::AppleScriptError> error;
+        std::optional<platform::ScriptError> error;
         bool logged;
     };
     const Row rows[] = {
         {"no error object", std::nullopt, false},
-        {"code 0", platform::AppleScriptError{true, 0, "it broke"}, false},
-        {"no code, \"no error\"", platform::AppleScriptError{false, 0, "no error"}, false},
+        {"code 0", platform::ScriptError{true, 0, "it broke"}, false},
+        {"no code, \"no error\"", platform::ScriptError{false, 0, "no error"}, false},
         {"no code, other capitals inside a longer message",
-         platform::AppleScriptError{false, -1, "There was No Error at all."}, false},
-        {"a code and \"no error\"", platform::AppleScriptError{true, -1708, "no error here"},
-         false},
-        {"a code and a message", platform::AppleScriptError{true, -1708, "it broke"}, true},
-        {"no code and a message", platform::AppleScriptError{false, 0, "it broke"}, true},
-        {"a code and an empty message", platform::AppleScriptError{true, -600, ""}, true},
+         platform::ScriptError{false, -1, "There was No Error at all."}, false},
+        {"a code and \"no error\"", platform::ScriptError{true, -1708, "no error here"}, false},
+        {"a code and a message", platform::ScriptError{true, -1708, "it broke"}, true},
+        {"no code and a message", platform::ScriptError{false, 0, "it broke"}, true},
+        {"a code and an empty message", platform::ScriptError{true, -600, ""}, true},
     };
     const std::string path = InstallCompanion();
     for (const Row& row : rows) {

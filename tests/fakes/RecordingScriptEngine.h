@@ -8,28 +8,28 @@
 #include <string>
 #include <vector>
 
-#include "platform/AppleScript.h"
+#include "platform/ScriptEngine.h"
 
-class RecordingAppleScript {
+class RecordingScriptEngine {
   public:
-    RecordingAppleScript() {
-        platform::InstallAppleScriptFactory([this] { return std::make_unique<Script>(*this); });
+    RecordingScriptEngine() {
+        platform::InstallScriptEngineFactory([this] { return std::make_unique<Script>(*this); });
     }
-    ~RecordingAppleScript() { platform::InstallAppleScriptFactory({}); }
-    RecordingAppleScript(const RecordingAppleScript&) = delete;
-    RecordingAppleScript& operator=(const RecordingAppleScript&) = delete;
+    ~RecordingScriptEngine() { platform::InstallScriptEngineFactory({}); }
+    RecordingScriptEngine(const RecordingScriptEngine&) = delete;
+    RecordingScriptEngine& operator=(const RecordingScriptEngine&) = delete;
 
     // Each source in the order Compile saw it.
     std::vector<std::string> compiled;
     // Each Execute, as the source it ran.
     std::vector<std::string> executed;
     // What Error reports after Execute; nullopt for success.
-    std::optional<platform::AppleScriptError> error;
+    std::optional<platform::ScriptError> error;
 
   private:
-    class Script final : public platform::AppleScript {
+    class Script final : public platform::ScriptEngine {
       public:
-        explicit Script(RecordingAppleScript& owner) : owner_(owner) {}
+        explicit Script(RecordingScriptEngine& owner) : owner_(owner) {}
         void Compile(const std::string& source) override {
             source_ = source;
             owner_.compiled.push_back(source);
@@ -38,11 +38,11 @@ class RecordingAppleScript {
             owner_.executed.push_back(source_);
             error_ = owner_.error;
         }
-        const std::optional<platform::AppleScriptError>& Error() const override { return error_; }
+        const std::optional<platform::ScriptError>& Error() const override { return error_; }
 
       private:
-        RecordingAppleScript& owner_;
+        RecordingScriptEngine& owner_;
         std::string source_;
-        std::optional<platform::AppleScriptError> error_;
+        std::optional<platform::ScriptError> error_;
     };
 };

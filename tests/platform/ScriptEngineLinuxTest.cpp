@@ -7,7 +7,7 @@
 
 #include "fakes/ScopedEnvironment.h"
 #include "fakes/TempFolder.h"
-#include "platform/AppleScript.h"
+#include "platform/ScriptEngine.h"
 
 namespace {
 
@@ -19,8 +19,8 @@ std::string Script(const std::string& path, const std::string& verb) {
 }
 
 // Runs source through the system's own engine; the error it ends with.
-std::optional<platform::AppleScriptError> RunScript(const std::string& source) {
-    const auto script = platform::NewAppleScript();
+std::optional<platform::ScriptError> RunScript(const std::string& source) {
+    const auto script = platform::NewScriptEngine();
     script->Compile(source);
     script->Execute();
     return script->Error();
@@ -36,7 +36,7 @@ std::string AwaitFile(const TempFolder& folder, const std::string& name) {
     return {};
 }
 
-TEST(AppleScriptLinux, AcceptsOnlyTheFourLineShape) {
+TEST(ScriptEngineLinux, AcceptsOnlyTheFourLineShape) {
     struct Row {
         const char* what;
         std::string source;
@@ -63,7 +63,7 @@ TEST(AppleScriptLinux, AcceptsOnlyTheFourLineShape) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
-        const auto script = platform::NewAppleScript();
+        const auto script = platform::NewScriptEngine();
         script->Compile(row.source);
         if (row.compiles) {
             EXPECT_FALSE(script->Error().has_value());
@@ -80,7 +80,7 @@ TEST(AppleScriptLinux, AcceptsOnlyTheFourLineShape) {
     }
 }
 
-TEST(AppleScriptLinux, StartsTheDesktopActionDetached) {
+TEST(ScriptEngineLinux, StartsTheDesktopActionDetached) {
     TempFolder folder;
     // Field codes go, "%%" stands for one "%".
     folder.WriteFile("app.desktop",
@@ -92,7 +92,7 @@ TEST(AppleScriptLinux, StartsTheDesktopActionDetached) {
     EXPECT_EQ(AwaitFile(folder, "out"), "100% sh\n");
 }
 
-TEST(AppleScriptLinux, FailuresCarryACodeAndAMessage) {
+TEST(ScriptEngineLinux, FailuresCarryACodeAndAMessage) {
     TempFolder folder;
     const std::string plain = "[Desktop Entry]\nType=Application\nName=Larkfen\nExec=larkfen\n";
     folder.WriteFile("plain.desktop", plain);

@@ -8,13 +8,17 @@
 // activated and handed the verb as an action over the session bus; otherwise the
 // entry's [Desktop Action VERB] is started, detached. Every failure carries a
 // code and a message.
-#include <gio/gio.h>
+#include "platform/ScriptEngine.h"
 
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "platform/AppleScript.h"
+#include <gio/gio.h>
+
 #include "platform/DesktopEntry.h"
 
 namespace platform {
@@ -85,19 +89,18 @@ struct ErrorDeleter {
 };
 using Error = std::unique_ptr<GError, ErrorDeleter>;
 
-AppleScriptError Failure(int64_t code, std::string message) {
-    return AppleScriptError{true, code, std::move(message)};
+ScriptError Failure(int64_t code, std::string message) {
+    return ScriptError{true, code, std::move(message)};
 }
 
-std::optional<AppleScriptError> CallBus(const DesktopEntry& entry, const std::string& verb) {
+std::optional<ScriptError> CallBus(const DesktopEntry& entry, const std::string& verb) {
     GError* raw = nullptr;
     GDBusConnection* bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &raw);
     Error error(raw);
     if (bus == nullptr)
         return Failure(kNotRunning, error ? error->message : "No session bus.");
     const std::string objectPath = ObjectPathOf(entry.id);
-    const auto call = [&](const char* method,
-                          GVariant* parameters) -> std::optional<AppleScriptError> {
+    const auto call = [&](const char* method, GVariant* parameters) -> std::optional<ScriptError> {
         GError* callError = nullptr;
         GVariant* reply = g_dbus_connection_call_sync(
             bus, entry.id.c_str(), objectPath.c_str(), "org.freedesktop.Application", method,
@@ -117,7 +120,7 @@ std::optional<AppleScriptError> CallBus(const DesktopEntry& entry, const std::st
     return failure;
 }
 
-std::optional<AppleScriptError> StartAction(const std::string& exec) {
+std::optional<ScriptError> StartAction(const std::string& exec) {
     gchar** argv = nullptr;
     GError* raw = nullptr;
     if (!g_shell_parse_argv(WithoutFieldCodes(exec).c_str(), nullptr, &argv, &raw)) {
@@ -137,7 +140,7 @@ std::optional<AppleScriptError> StartAction(const std::string& exec) {
     return Failure(kNotRunning, error->message);
 }
 
-class DesktopScript final : public AppleScript {
+class DesktopScript final : public ScriptEngine {
   public:
     void Compile(const std::string& source) override {
         parsed_ = Parse(source);
@@ -163,27 +166,27 @@ class DesktopScript final : public AppleScript {
         }
     }
 
-    const std::optional<AppleScriptError>& Error() const override { return error_; }
+    const std::optional<ScriptError>& Error() const override { return error_; }
 
   private:
     std::optional<Parsed> parsed_;
-    std::optional<AppleScriptError> error_;
+    std::optional<ScriptError> error_;
 };
 
-std::function<std::unique_ptr<AppleScript>()>& Factory() {
-    static std::function<std::unique_ptr<AppleScript>()> factory;
+std::function<std::unique_ptr<ScriptEngine>()>& Factory() {
+    static std::function<std::unique_ptr<ScriptEngine>()> factory;
     return factory;
 }
 
 }  // namespace
 
-std::unique_ptr<AppleScript> NewAppleScript() {
+std::unique_ptr<ScriptEngine> NewScriptEngine() {
     if (Factory())
         return Factory()();
     return std::make_unique<DesktopScript>();
 }
 
-void InstallAppleScriptFactory(std::function<std::unique_ptr<AppleScript>()> factory) {
+void InstallScriptEngineFactory(std::function<std::unique_ptr<ScriptEngine>()> factory) {
     Factory() = std::move(factory);
 }
 
