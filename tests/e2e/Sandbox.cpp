@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -51,18 +52,57 @@ std::string Sandbox::OwnDomain() const {
     return root_.Path() + "/config/com.ombrastel.larkfenhelper.plist";
 }
 
+PrivateBus::PrivateBus(const Sandbox& sandbox) {
+    int pipeFds[2];
+    if (pipe(pipeFds) != 0)
+        throw std::runtime_error("pipe failed");
+    const std::string printAddress = "--print-address=" + std::to_string(pipeFds[1]);
+    const std::string dataDirs = "XDG_DATA_DIRS=" + sandbox.DataDirs();
+    pid_ = fork();
+    if (pid_ == 0) {
+        close(pipeFds[0]);
+        const int null = open("/dev/null", O_WRONLY);
+        dup2(null, STDOUT_FILENO);
+        dup2(null, STDERR_FILENO);
+        char* argv[] = {const_cast<char*>("dbus-daemon"), const_cast<char*>("--session"),
+                        const_cast<char*>("--nofork"), const_cast<char*>(printAddress.c_str()),
+                        nullptr};
+        char* envp[] = {const_cast<char*>(dataDirs.c_str()),
+                        const_cast<char*>("PATH=/usr/local/bin:/usr/bin:/bin"), nullptr};
+        execvpe(argv[0], argv, envp);
+        _exit(127);
+    }
+    close(pipeFds[1]);
+    char buffer[512];
+    for (ssize_t got; address_.find('\n') == std::string::npos &&
+                      (got = read(pipeFds[0], buffer, sizeof buffer)) > 0;) {
+        address_.append(buffer, static_cast<size_t>(got));
+    }
+    close(pipeFds[0]);
+    address_ = address_.substr(0, address_.find('\n'));
+    if (address_.empty())
+        throw std::runtime_error("dbus-daemon gave no address");
+}
+
+PrivateBus::~PrivateBus() {
+    if (pid_ > 0) {
+        kill(pid_, SIGTERM);
+        waitpid(pid_, nullptr, 0);
+    }
+}
+
 void Sandbox::InstallCompanion(const std::vector<std::string>& verbs) {
     std::string entry = "[Desktop Entry]\nType=Application\nName=Larkfen\nExec=true\n";
     for (const std::string& verb : verbs) {
         entry += "\n[Desktop Action " + verb + "]\nName=" + verb + "\nExec=sh -c \"echo " + verb +
                  " >> '" + VerbsFile() + "'\"\n";
     }
-    WriteFile(root_.Path() + "/data/applications/com.ombrastel.larkfen.desktop", entry);
+    WriteFile(DataHome() + "/applications/com.ombrastel.larkfen.desktop", entry);
 }
 
 void Sandbox::InstallBusCompanion() {
-    const std::string command = std::string(LARKFEN_STANDIN) + " --install " + root_.Path() +
-                                "/dirs --log " + VerbsFile() + " > /dev/null";
+    const std::string command = std::string(LARKFEN_STANDIN) + " --install " + DataDirs() +
+                                " --log " + VerbsFile() + " > /dev/null";
     if (std::system(command.c_str()) != 0)
         throw std::runtime_error("stand-in install failed");
 }

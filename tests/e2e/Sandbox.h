@@ -2,6 +2,8 @@
 // files written by the test, a stand-in companion, and the agent's log captured.
 #pragma once
 
+#include <sys/types.h>
+
 #include <map>
 #include <string>
 #include <vector>
@@ -17,7 +19,9 @@ class Sandbox {
   public:
     Sandbox();
 
-    std::string Trash() const { return root_.Path() + "/data/Trash/files"; }
+    std::string DataHome() const { return root_.Path() + "/data"; }
+    std::string DataDirs() const { return root_.Path() + "/dirs"; }
+    std::string Trash() const { return DataHome() + "/Trash/files"; }
     std::string Desktop() const { return root_.Path() + "/home/Desktop"; }
     std::string OwnDomain() const;
     std::string VerbsFile() const { return root_.Path() + "/verbs"; }
@@ -42,6 +46,22 @@ class Sandbox {
 
   private:
     TempFolder root_;
+};
+
+// A session bus of its own for the life of the object, which starts the services
+// of the sandbox's data folders on demand.
+class PrivateBus {
+  public:
+    explicit PrivateBus(const Sandbox& sandbox);
+    ~PrivateBus();
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
+
+    std::string Address() const { return address_; }
+
+  private:
+    pid_t pid_ = -1;
+    std::string address_;
 };
 
 // "YYYY-MM-DDTHH:MM:SSZ" of now less the seconds.
