@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace {
 
 using FolderItemExtension::FormatFileSize;
@@ -47,7 +49,7 @@ TEST(FormatFileSize, AutomaticDecimal) {
         {1500000000, 0, true, "1.5 GB"},
         {2340000000000, 0, true, "2.3 TB"},
         {1000000000000000, 0, true, "1,000 TB"},
-        {12345000000000000, 0, true, "12,345 TB"},
+        {12345e12, 0, true, "12,345 TB"},
     });
 }
 
@@ -92,6 +94,21 @@ TEST(FormatFileSize, DroppedFraction) {
         {1260000000, 0, false, "1 GB"},
         {1234560000000, 0, false, "1 TB"},
         {1572864, -1, false, "1 MiB"},
+    });
+}
+
+// A value exactly half-way between two results rounds away from zero, before the
+// fraction is kept or cut.
+TEST(FormatFileSize, HalfWayRoundsUp) {
+    ExpectRows({
+        {1500, 0, true, "2 KB"},
+        {2.5, 0, true, "3 bytes"},
+        {0.5, 1, true, "1 bytes"},  // written as 1, but the plural looks at the value
+        {999.5, 0, true, "1,000 bytes"},
+        {1250000, 0, true, "1.3 MB"},
+        {1250000, 0, false, "1 MB"},
+        {1750000, 0, true, "1.8 MB"},
+        {1750000, 0, false, "1 MB"},
     });
 }
 
