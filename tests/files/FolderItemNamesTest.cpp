@@ -42,12 +42,12 @@ TEST(FileExtension, Names) {
 class ApplicationsTest : public testing::Test {
   protected:
     std::string Write(const std::string& relative, const std::string& content) {
-        const std::string path = folder_.Path() + "/" + relative;
+        std::string path = folder_.Path() + "/" + relative;
         std::ofstream(path, std::ios::binary) << content;
         return path;
     }
     std::string MakeFolder(const std::string& relative) {
-        const std::string path = folder_.Path() + "/" + relative;
+        std::string path = folder_.Path() + "/" + relative;
         std::filesystem::create_directories(path);
         return path;
     }
@@ -71,6 +71,9 @@ TEST_F(ApplicationsTest, WhatCountsAsAnApplication) {
     Write("editor.desktop", "[Desktop Entry]\nType=Application\nName=Editor\nExec=editor\n");
     Write("site.desktop", "[Desktop Entry]\nType=Link\nName=Site\nURL=https://example.org\n");
     Write("broken.desktop", "this is no key file");
+    // Hidden= hides an entry from menus; the file still describes an application.
+    Write("hidden.desktop", "[Desktop Entry]\nType=Application\nName=Gone\nHidden=true\n");
+    Write("nogroup.desktop", "[Desktop Action open]\nType=Application\nExec=x\n");
     Write("tool.AppImage", std::string("\x7f"
                                        "ELF\x02\x01\x01\x00"
                                        "AI\x02 rest",
@@ -95,15 +98,29 @@ TEST_F(ApplicationsTest, WhatCountsAsAnApplication) {
         bool application;
     };
     const Row rows[] = {
-        {"Viewer.app", true},     {"Hollow.app", false},    {"Plain", false},
-        {"editor.desktop", true}, {"site.desktop", false},  {"broken.desktop", false},
-        {"tool.AppImage", true},  {"old.AppImage", true},   {"short.AppImage", false},
-        {"notes.txt", false},     {"link.AppImage", false}, {"Link.app", false},
-        {"missing.app", false},
+        {"Viewer.app", true},     {"Hollow.app", false},      {"Plain", false},
+        {"editor.desktop", true}, {"site.desktop", false},    {"broken.desktop", false},
+        {"hidden.desktop", true}, {"nogroup.desktop", false}, {"tool.AppImage", true},
+        {"old.AppImage", true},   {"short.AppImage", false},  {"notes.txt", false},
+        {"link.AppImage", false}, {"Link.app", false},        {"missing.app", false},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(isApplicationMBS(Item(row.name)), row.application) << row.name;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(isApplicationMBS(Item(row.name)), row.application);
+        // Only applications open as bundles, and an AppImage carries no information.
+        const auto bundle = BundleZRV(Item(row.name));
+        const bool hasInfo = bundle != nullptr && bundle->infoDictionary() != nullptr;
+        EXPECT_EQ(hasInfo, row.application && FileExtension(row.name) != ".AppImage");
+        if (!row.application) {
+            EXPECT_EQ(bundle, nullptr);
+        }
+    }
+    EXPECT_EQ(BundleIDZRV(Item("editor.desktop")), "editor");
+    EXPECT_EQ(BundleIDZRV(Item("hidden.desktop")), "hidden");
+    EXPECT_EQ(BundleIDZRV(Item("tool.AppImage")), "");  // an application, but no bundle
     EXPECT_THROW(isApplicationMBS(nullptr), NilObjectException);
+    EXPECT_THROW(BundleZRV(nullptr), NilObjectException);
+    EXPECT_THROW(BundleIDZRV(nullptr), NilObjectException);
 }
 
 TEST_F(ApplicationsTest, BundleInformation) {
