@@ -13,7 +13,8 @@ namespace GlobalMethods {
 int64_t CompareVersions(const std::string& first, const std::string& second);
 
 // The system's version as "major.minor.bugfix", behind its name and a blank
-// unless numbersOnly.
+// unless numbersOnly. Never fails: a field the system does not report is 0, an
+// unknown name is empty.
 std::string GetSystemVersion(bool numbersOnly);
 
 // Whether the running system is that version or newer. A text that is no
