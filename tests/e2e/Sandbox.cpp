@@ -31,6 +31,16 @@ std::string ReadFile(const std::string& path) {
     return text.str();
 }
 
+// The strings as an argv or envp array, ended by a null pointer.
+std::vector<char*> NullTerminated(const std::vector<std::string>& strings) {
+    std::vector<char*> pointers;
+    pointers.reserve(strings.size() + 1);
+    for (const std::string& text : strings)
+        pointers.push_back(const_cast<char*>(text.c_str()));
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 }  // namespace
 
 std::string TimestampSecondsAgo(int64_t seconds) {
@@ -94,8 +104,9 @@ PrivateBus::~PrivateBus() {
 void Sandbox::InstallCompanion(const std::vector<std::string>& verbs) {
     std::string entry = "[Desktop Entry]\nType=Application\nName=Larkfen\nExec=true\n";
     for (const std::string& verb : verbs) {
-        entry += "\n[Desktop Action " + verb + "]\nName=" + verb + "\nExec=sh -c \"echo " + verb +
-                 " >> '" + VerbsFile() + "'\"\n";
+        entry.append("\n[Desktop Action ").append(verb).append("]\nName=").append(verb);
+        entry.append("\nExec=sh -c \"echo ").append(verb).append(" >> '");
+        entry.append(VerbsFile()).append("'\"\n");
     }
     WriteFile(DataHome() + "/applications/com.ombrastel.larkfen.desktop", entry);
 }
@@ -111,7 +122,7 @@ void Sandbox::WritePreferences(const std::string& domain,
                                const std::map<std::string, std::string>& keys) {
     std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>\n";
     for (const auto& [key, value] : keys)
-        xml += "<key>" + key + "</key>" + value + "\n";
+        xml.append("<key>").append(key).append("</key>").append(value).append("\n");
     WriteFile(root_.Path() + "/config/" + domain + ".plist", xml + "</dict></plist>\n");
 }
 
@@ -143,6 +154,9 @@ AgentRun Sandbox::Start(const std::vector<std::string>& arguments, bool privateB
                                                   "XDG_DATA_DIRS=" + root_.Path() + "/dirs",
                                                   "PATH=/usr/local/bin:/usr/bin:/bin",
                                                   "LANG=C.UTF-8"};
+    // Made before the fork, so that the child only redirects and executes.
+    const std::vector<char*> argv = NullTerminated(command);
+    const std::vector<char*> envp = NullTerminated(environment);
     int pipeFds[2];
     if (pipe(pipeFds) != 0)
         throw std::runtime_error("pipe failed");
@@ -154,14 +168,6 @@ AgentRun Sandbox::Start(const std::vector<std::string>& arguments, bool privateB
         close(pipeFds[0]);
         if (asNobody && getuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0))
             _exit(126);
-        std::vector<char*> argv;
-        for (const auto& part : command)
-            argv.push_back(const_cast<char*>(part.c_str()));
-        argv.push_back(nullptr);
-        std::vector<char*> envp;
-        for (const auto& entry : environment)
-            envp.push_back(const_cast<char*>(entry.c_str()));
-        envp.push_back(nullptr);
         execvpe(argv[0], argv.data(), envp.data());
         _exit(127);
     }
