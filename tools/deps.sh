@@ -10,7 +10,7 @@ packages=(
     libhowardhinnant-date-dev tzdata
     libplist-dev libglib2.0-dev libglib2.0-bin
     libwxgtk3.2-dev libgtk-3-dev
-    desktop-file-utils systemd man-db
+    desktop-file-utils systemd man-db dpkg-dev file
     xvfb xdotool imagemagick dbus dbus-x11 xauth
     gdu
 )
