@@ -1,12 +1,11 @@
 #include "alerts/Alerts.h"
 
+#include <wx/app.h>
+#include <wx/init.h>
+
 #include <cstdlib>
 #include <memory>
 #include <string>
-
-#include <wx/app.h>
-#include <wx/init.h>
-#include <wx/log.h>
 
 #include "alerts/AlertWindow.h"
 #include "runtime/DebugLog.h"
@@ -24,8 +23,6 @@ class AlertApp final : public wxApp {
 };
 
 bool started = false;
-// A display that refused once is not asked again in this run.
-bool refused = false;
 
 bool HasDisplayVariable() {
     const char* x11 = std::getenv("DISPLAY");
@@ -37,18 +34,14 @@ bool HasDisplayVariable() {
 bool StartWindowSystem() {
     if (started)
         return true;
-    if (refused || !HasDisplayVariable())
+    if (!HasDisplayVariable())
         return false;
     wxApp::SetInstance(new AlertApp);  // NOLINT: wx owns the application object
     int argc = 1;
     char name[] = "larkfen-helper";
     char* argv[] = {name, nullptr};
-    // The toolkit's own complaint would be a second line for one failure.
-    const wxLogNull quiet;
-    if (!wxEntryStart(argc, argv)) {
-        refused = true;
+    if (!wxEntryStart(argc, argv))
         return false;
-    }
     wxTheApp->CallOnInit();
     started = true;
     return true;
@@ -78,13 +71,8 @@ void OpenAlert(AlertKind kind, const std::string& text, AlertHost& host) {
     unwrapped.Replace("\n", " ");
     header->SetLabelText(wxString::FromUTF8(Replace(unwrapped.utf8_string(), "^0", text)));
     header->Wrap(header->GetSize().GetWidth());
-    // The agent runs in the background: once the alert is up, it asks the window
-    // manager to bring it to the front. How a window opens is the window
-    // manager's affair on this desktop; there is no animation to choose.
-    AlertWindow* shown = window.get();
-    shown->CallAfter([shown] { shown->Raise(); });
+    window->Raise();
     window->ShowModal();
-    window->RethrowUnhandled();
 }
 
 void ShutDown() {

@@ -5,6 +5,8 @@
 #include <wx/image.h>
 #include <wx/window.h>
 
+#include <exception>
+
 #include "files/GlobalMethods.h"
 
 namespace ExtensionGraphics {
