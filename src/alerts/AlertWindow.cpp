@@ -1,10 +1,11 @@
 #include "alerts/AlertWindow.h"
 
-#include <gtk/gtk.h>
-#include <wx/settings.h>
-
 #include <cmath>
 #include <string>
+#include <utility>
+
+#include <gtk/gtk.h>
+#include <wx/settings.h>
 
 #include "runtime/RuntimeException.h"
 
@@ -62,35 +63,44 @@ int WrappedHeight(const wxWindow& window, const wxString& text, const wxFont& fo
     return lines * lineHeight;
 }
 
-// The frames were laid out for narrower fonts than most desktops have. A point is
-// taken as large as it must be for every text of the layout to fit its frame at
-// the desktop's own font sizes, and never smaller than a pixel.
-double PointSizeFor(const wxWindow& window, const AlertLayout& layout) {
-    constexpr double kStep = 0.05;
-    constexpr double kLargest = 2.0;
+// Whether every text of the layout fits its frame with a point of this size.
+bool FitsAt(const wxWindow& window, const AlertLayout& layout, double pointSize) {
     constexpr int kButtonPadding = 16;  // the caption's margins inside a button
-    for (double size = 1.0; size < kLargest; size += kStep) {
-        bool fits = true;
-        for (const ControlProperties& control : layout.controls) {
-            if (control.text == nullptr)
-                continue;
-            const wxFont font = FontOf(control);
-            const int width = window.FromDIP(static_cast<int>(std::lround(control.width * size)));
-            const int height = window.FromDIP(static_cast<int>(std::lround(control.height * size)));
-            wxString text = wxString::FromUTF8(control.text);
-            text.Replace("^0", wxString::FromUTF8(layout.sampleValue), false);
-            if (control.controlClass == ControlClass::kLabel) {
-                fits = fits && WrappedHeight(window, text, font, width) <= height;
-            } else {
-                int textWidth = 0;
-                window.GetTextExtent(text, &textWidth, nullptr, nullptr, nullptr, &font);
-                fits = fits && textWidth + window.FromDIP(kButtonPadding) <= width;
-            }
+    for (const ControlProperties& control : layout.controls) {
+        if (control.text == nullptr)
+            continue;
+        const wxFont font = FontOf(control);
+        const int width = window.FromDIP(static_cast<int>(std::lround(control.width * pointSize)));
+        const int height =
+            window.FromDIP(static_cast<int>(std::lround(control.height * pointSize)));
+        wxString text = wxString::FromUTF8(control.text);
+        text.Replace("^0", wxString::FromUTF8(layout.sampleValue), false);
+        if (control.controlClass == ControlClass::kLabel) {
+            if (WrappedHeight(window, text, font, width) > height)
+                return false;
+        } else {
+            int textWidth = 0;
+            window.GetTextExtent(text, &textWidth, nullptr, nullptr, nullptr, &font);
+            if (textWidth + window.FromDIP(kButtonPadding) > width)
+                return false;
         }
-        if (fits)
+    }
+    return true;
+}
+
+// The frames were laid out for narrower fonts than most desktops have. A point is
+// taken as large as it must be for every text of both alerts to fit its frame at
+// the desktop's own font sizes, and never smaller than a pixel; the two alerts
+// share it, so that the second does not come up larger than the first.
+double PointSizeFor(const wxWindow& window) {
+    constexpr double kStep = 0.05;
+    constexpr int kSteps = 20;  // up to twice a pixel
+    for (int step = 0; step < kSteps; ++step) {
+        const double size = 1.0 + step * kStep;
+        if (FitsAt(window, kTrashSizeLayout, size) && FitsAt(window, kTrashUninstallLayout, size))
             return size;
     }
-    return kLargest;
+    return 1.0 + kSteps * kStep;
 }
 
 }  // namespace
@@ -100,7 +110,7 @@ AlertWindow::AlertWindow(const AlertLayout& layout, AlertHost& host)
                wxCAPTION | (layout.window.hasCloseButton ? wxCLOSE_BOX : 0)),
       layout_(layout),
       host_(host),
-      pointSize_(PointSizeFor(*this, layout)) {
+      pointSize_(PointSizeFor(*this)) {
     ApplyWindowProperties();
     CreateControls();
     Bind(wxEVT_CHAR_HOOK, &AlertWindow::OnCharHook, this);
@@ -207,8 +217,29 @@ void AlertWindow::Guarded(Handler handler) {
     try {
         handler();
     } catch (const RuntimeException& error) {
-        host_.Event_UnhandledException(error);
+        Unhandled(error);
+    } catch (const std::exception& error) {
+        // A failure from below the runtime is reported the same way.
+        Unhandled(RuntimeException(error.what()));
     }
+}
+
+void AlertWindow::Unhandled(const RuntimeException& error) {
+    // An exception may not pass through the toolkit's event dispatch: what the
+    // handler leaves standing ends the modal loop and goes on from ShowModal.
+    try {
+        if (host_.Event_UnhandledException(error))
+            return;
+        unhandled_ = std::make_exception_ptr(error);
+    } catch (...) {
+        unhandled_ = std::current_exception();
+    }
+    EndModal(wxID_ABORT);
+}
+
+void AlertWindow::RethrowUnhandled() {
+    if (unhandled_)
+        std::rethrow_exception(std::exchange(unhandled_, nullptr));
 }
 
 void AlertWindow::OnCharHook(wxKeyEvent& event) {

@@ -3,6 +3,8 @@
 // wherever the focus is; the close box sends nothing.
 #pragma once
 
+#include <exception>
+
 #include <wx/button.h>
 #include <wx/dialog.h>
 #include <wx/stattext.h>
@@ -30,6 +32,10 @@ class AlertWindow : public wxDialog {
     void btnCancel_Action(wxButton* button);
     void btnSettings_Action(wxButton* button);
 
+    // Carries on what the host's last-resort handler did not end (it failed, or
+    // declined), once the modal loop is over; nothing otherwise.
+    void RethrowUnhandled();
+
   private:
     // The points of the layout in this window's pixels.
     wxPoint Position(int left, int top) const;
@@ -40,12 +46,14 @@ class AlertWindow : public wxDialog {
     // Runs a handler; an exception that escapes it is the host's last resort.
     template <class Handler>
     void Guarded(Handler handler);
+    void Unhandled(const RuntimeException& error);
     void OnCharHook(wxKeyEvent& event);
 
     const AlertLayout& layout_;
     AlertHost& host_;
     // How many device-independent pixels a point of the layout takes.
     double pointSize_ = 1.0;
+    std::exception_ptr unhandled_;
 };
 
 class wndAlertTrashSize final : public AlertWindow {

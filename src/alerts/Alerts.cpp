@@ -1,11 +1,12 @@
 #include "alerts/Alerts.h"
 
-#include <wx/app.h>
-#include <wx/init.h>
-
 #include <cstdlib>
 #include <memory>
 #include <string>
+
+#include <wx/app.h>
+#include <wx/init.h>
+#include <wx/log.h>
 
 #include "alerts/AlertWindow.h"
 #include "runtime/DebugLog.h"
@@ -23,6 +24,8 @@ class AlertApp final : public wxApp {
 };
 
 bool started = false;
+// A display that refused once is not asked again in this run.
+bool refused = false;
 
 bool HasDisplayVariable() {
     const char* x11 = std::getenv("DISPLAY");
@@ -34,14 +37,18 @@ bool HasDisplayVariable() {
 bool StartWindowSystem() {
     if (started)
         return true;
-    if (!HasDisplayVariable())
+    if (refused || !HasDisplayVariable())
         return false;
     wxApp::SetInstance(new AlertApp);  // NOLINT: wx owns the application object
     int argc = 1;
     char name[] = "larkfen-helper";
     char* argv[] = {name, nullptr};
-    if (!wxEntryStart(argc, argv))
+    // The toolkit's own complaint would be a second line for one failure.
+    const wxLogNull quiet;
+    if (!wxEntryStart(argc, argv)) {
+        refused = true;
         return false;
+    }
     wxTheApp->CallOnInit();
     started = true;
     return true;
@@ -71,8 +78,13 @@ void OpenAlert(AlertKind kind, const std::string& text, AlertHost& host) {
     unwrapped.Replace("\n", " ");
     header->SetLabelText(wxString::FromUTF8(Replace(unwrapped.utf8_string(), "^0", text)));
     header->Wrap(header->GetSize().GetWidth());
-    window->Raise();
+    // The agent runs in the background: once the alert is up, it asks the window
+    // manager to bring it to the front. How a window opens is the window
+    // manager's affair on this desktop; there is no animation to choose.
+    AlertWindow* shown = window.get();
+    shown->CallAfter([shown] { shown->Raise(); });
     window->ShowModal();
+    window->RethrowUnhandled();
 }
 
 void ShutDown() {

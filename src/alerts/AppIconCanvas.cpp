@@ -1,15 +1,16 @@
 #include "alerts/AppIconCanvas.h"
 
-#include <gio/gio.h>
-#include <gtk/gtk.h>
 #include <unistd.h>
-#include <wx/dcclient.h>
-#include <wx/image.h>
 
 #include <array>
 #include <climits>
 #include <cmath>
 #include <optional>
+
+#include <gio/gio.h>
+#include <gtk/gtk.h>
+#include <wx/dcclient.h>
+#include <wx/image.h>
 
 #include "alerts/ExtensionGraphics.h"
 #include "runtime/RuntimeException.h"
@@ -29,15 +30,18 @@ std::string ProgramFolder() {
     return program.substr(0, program.find_last_of('/'));
 }
 
-// A picture of the agent's: beside the program in the build tree, else under the
-// install prefix.
+// A picture of the agent's: beside the program in the build tree, else in the data
+// folder of an installed program, found from the program and then where it was
+// built to be installed.
 std::optional<wxBitmap> OpenFromApp(const std::string& name) {
     if (wxImage::FindHandler(wxBITMAP_TYPE_PNG) == nullptr) {
         wxImage::AddHandler(new wxPNGHandler);  // NOLINT: wx owns its handlers
     }
-    const std::string folder = ProgramFolder();
-    for (const std::string& candidate :
-         {folder + "/resources/" + name, folder + "/../share/larkfen-helper/" + name}) {
+    const std::string program = ProgramFolder();
+    for (const std::string& folder :
+         {program + "/resources/", program + "/../share/larkfen-helper/",
+          std::string(LARKFEN_DATA_DIR "/")}) {
+        const std::string candidate = folder + name;
         if (access(candidate.c_str(), R_OK) != 0)
             continue;
         wxImage image;
@@ -79,15 +83,13 @@ std::unique_ptr<wxBitmap> IconZRV(const std::shared_ptr<FolderItem>& item, int64
         return nullptr;
     std::unique_ptr<wxBitmap> picture;
     if (GIcon* icon = g_file_info_get_icon(info)) {
+        // The theme draws the icon at the size asked for, from a bitmap or a vector file.
         GtkIconInfo* found =
             gtk_icon_theme_lookup_by_gicon(gtk_icon_theme_get_default(), icon,
                                            static_cast<gint>(size), GTK_ICON_LOOKUP_FORCE_SIZE);
         if (found != nullptr) {
-            wxImage image;
-            if (const char* path = gtk_icon_info_get_filename(found);
-                path != nullptr && image.LoadFile(path)) {
-                picture = std::make_unique<wxBitmap>(image.Scale(
-                    static_cast<int>(size), static_cast<int>(size), wxIMAGE_QUALITY_HIGH));
+            if (GdkPixbuf* pixels = gtk_icon_info_load_icon(found, nullptr)) {
+                picture = std::make_unique<wxBitmap>(pixels);  // takes the reference
             }
             g_object_unref(found);
         }
@@ -121,7 +123,7 @@ void AppIconCanvas::Event_Paint(wxPaintEvent& /*event*/) {
     // Without its own pictures the agent shows the icon of its own folder.
     const auto bundle = std::make_shared<FolderItem>(ProgramFolder());
     const auto icon64 = IconZRV(bundle, kIconPoints);
-    const auto icon128 = IconZRV(bundle, 2 * kIconPoints);
+    const auto icon128 = IconZRV(bundle, int64_t{2} * kIconPoints);
     if (icon64 != nullptr) {
         ExtensionGraphics::DrawPictureZRV(g, icon64.get(), icon128.get(), 0, 0, scale);
     }

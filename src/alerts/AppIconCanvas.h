@@ -22,10 +22,10 @@ class AppIconCanvas final : public wxWindow {
     AppIconCanvas(wxWindow* parent, const wxString& name, const wxPoint& position,
                   const wxSize& size);
 
-      // The icon is no stop of the keyboard's.
+    // The icon is no stop of the keyboard's.
     bool AcceptsFocus() const override { return false; }
 
-private:
+  private:
     void Event_Open();
     void Event_Paint(wxPaintEvent& event);
 };

@@ -5,8 +5,6 @@
 #include <wx/image.h>
 #include <wx/window.h>
 
-#include <exception>
-
 #include "files/GlobalMethods.h"
 
 namespace ExtensionGraphics {
