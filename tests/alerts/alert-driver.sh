@@ -80,7 +80,7 @@ check "close box returns" "returned" "$(grep -x returned "$out")"
 # A command that fails goes to the last resort, and the alert stays open.
 open_alert size "1.2 GB" --throw
 id=$(alert) && xdotool windowfocus --sync "$id" key Return
-sleep 0.5
+eventually said unhandled
 check "failed command handed on" "The companion did not answer." "$(said unhandled)"
 check "alert open after the failure" "$id" "$(xdotool search --onlyvisible --class larkfen-helper 2>/dev/null | grep -x "$id")"
 press Escape

@@ -30,7 +30,16 @@ prepare() {
 }
 
 stored() { grep -c "<key>$1</key>" "$XDG_CONFIG_HOME/com.ombrastel.larkfenhelper.plist" 2>/dev/null; }
-verbs() { sleep 0.5; [ -f "$sandbox/verbs" ] && tr '\n' ' ' <"$sandbox/verbs" | sed 's/ $//'; }
+# The verbs the companion received, once it has received N of them; the companion
+# is started detached, so its line may come after the agent has quit.
+verbs() {  # verbs N
+    for _ in $(seq 100); do
+        [ "$(cat "$sandbox/verbs" 2>/dev/null | grep -c .)" -ge "$1" ] && break
+        sleep 0.1
+    done
+    [ "$1" -gt 0 ] || sleep 1  # nothing expected: give a stray verb the time to show
+    [ -f "$sandbox/verbs" ] && tr '\n' ' ' <"$sandbox/verbs" | sed 's/ $//'
+}
 
 # Return launches from the size alert; the application alert follows it; Escape sends nothing.
 prepare
@@ -41,7 +50,7 @@ check "size warning stored before the last alert closed" 0 "$(stored TrashLastWa
 press Escape uninstall-alert
 wait $agent
 check "exit status" 0 $?
-check "Return, then Escape" "SecureEmptyTrash" "$(verbs)"
+check "Return, then Escape" "SecureEmptyTrash" "$(verbs 1)"
 check "size warning stored after both alerts" 1 "$(stored TrashLastWarnSizeTime)"
 
 # A click on Settings; then Return on the application alert uninstalls.
@@ -51,7 +60,7 @@ agent=$!
 click 60 115
 press Return
 wait $agent
-check "Settings, then Return" "ShowSettings UninstallTrashedApps" "$(verbs)"
+check "Settings, then Return" "ShowSettings UninstallTrashedApps" "$(verbs 2)"
 
 # Escape on both alerts sends nothing at all.
 prepare
@@ -60,6 +69,6 @@ agent=$!
 press Escape
 press Escape
 wait $agent
-check "Escape twice" "" "$(verbs)"
+check "Escape twice" "" "$(verbs 0)"
 
 finish "alerts through the agent"

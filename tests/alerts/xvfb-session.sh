@@ -6,19 +6,25 @@ for tool in Xvfb xdotool; do
 done
 
 sandbox=$(mktemp -d)
-display=:$((90 + RANDOM % 100))
-while [ -e "/tmp/.X11-unix/X${display#:}" ]; do display=:$((90 + RANDOM % 100)); done
-Xvfb "$display" -screen 0 1280x800x24 -nolisten tcp >/dev/null 2>&1 &
+# The server picks a free display itself and names it once it takes connections,
+# so two window tests started at once never meet on one display.
+Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$sandbox/display" >/dev/null 2>&1 &
 xvfb=$!
 trap 'kill $xvfb 2>/dev/null; wait $xvfb 2>/dev/null; rm -rf "$sandbox"' EXIT
-export DISPLAY=$display NO_AT_BRIDGE=1
+for _ in $(seq 100); do grep -q . "$sandbox/display" 2>/dev/null && break; sleep 0.1; done
+grep -q . "$sandbox/display" || { echo "FAIL: Xvfb did not start"; exit 1; }
+export DISPLAY=:$(head -n 1 "$sandbox/display") NO_AT_BRIDGE=1
 unset WAYLAND_DISPLAY
-for _ in $(seq 50); do xdotool getmouselocation >/dev/null 2>&1 && break; sleep 0.1; done
 
 passed=0 failed=0
 check() {  # check NAME EXPECTED ACTUAL
     if [ "$2" = "$3" ]; then passed=$((passed + 1)); else
         failed=$((failed + 1)); echo "FAIL: $1: expected [$2], got [$3]"; fi
+}
+# Waits up to ten seconds for a command to print something.
+eventually() {  # eventually COMMAND...
+    for _ in $(seq 100); do [ -n "$("$@")" ] && return 0; sleep 0.1; done
+    return 1
 }
 finish() {  # finish SUITE
     echo "$1: $passed passed, $failed failed"
