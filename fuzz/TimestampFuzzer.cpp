@@ -20,8 +20,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     const std::string written = ExtensionDate::ISO8601TimeStampZRV(date);
     const auto back = ExtensionDate::ParseTimeStampZRV(written);
-    if (back == nullptr || static_cast<int64_t>(back->SecondsFrom1970()) !=
-                               static_cast<int64_t>(std::floor(date->SecondsFrom1970()))) {
+    // The text keeps whole seconds. The date's own whole second is taken from its
+    // fraction, not by flooring the double: 05.999999999 is 6.0 as a double.
+    const auto whole = std::llround(date->SecondsFrom1970() - 1e-9 * date->Nanosecond());
+    if (back == nullptr || std::llround(back->SecondsFrom1970()) != whole) {
         // A date whose zone offset has seconds loses them; anything else is a fault.
         if (date->Timezone()->SecondsFromGMT() % 60 == 0)
             __builtin_trap();
