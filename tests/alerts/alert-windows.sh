@@ -62,13 +62,4 @@ press Return
 wait $agent
 check "Settings, then Return" "ShowSettings UninstallTrashedApps" "$(verbs 2)"
 
-# Escape on both alerts sends nothing at all.
-prepare
-timeout 60 "$helper" -TrashChanged 2>/dev/null &
-agent=$!
-press Escape
-press Escape
-wait $agent
-check "Escape twice" "" "$(verbs 0)"
-
 finish "alerts through the agent"

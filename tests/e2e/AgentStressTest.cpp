@@ -147,9 +147,7 @@ TEST(AgentStress, GarbagePreferencesBetweenRuns) {
         if (round % 4 == 2)
             garbage = "<?xml version=\"1.0\"?><plist><dict><key>a</key>" + garbage;
         std::ofstream(sandbox.OwnDomain(), std::ios::binary) << garbage;
-        std::ofstream(sandbox.Trash() + "/../../../config/com.ombrastel.larkfen.plist",
-                      std::ios::binary)
-            << garbage;
+        std::ofstream(sandbox.Domain("com.ombrastel.larkfen"), std::ios::binary) << garbage;
         const AgentRun run = sandbox.Start({round % 2 == 0 ? "-TrashChanged" : "-QuerySuggestRun"});
         EXPECT_EQ(run.exitCode, 0) << "round " << round;
         const auto domain = platform::ReadPropertyListFile(sandbox.OwnDomain());

@@ -58,28 +58,23 @@ Sandbox::Sandbox() {
     }
 }
 
-std::string Sandbox::OwnDomain() const {
-    return root_.Path() + "/config/com.ombrastel.larkfenhelper.plist";
-}
-
 PrivateBus::PrivateBus(const Sandbox& sandbox) {
     int pipeFds[2];
     if (pipe(pipeFds) != 0)
         throw std::runtime_error("pipe failed");
-    const std::string printAddress = "--print-address=" + std::to_string(pipeFds[1]);
-    const std::string dataDirs = "XDG_DATA_DIRS=" + sandbox.DataDirs();
+    const std::vector<std::string> command = {"dbus-daemon", "--session", "--nofork",
+                                              "--print-address=" + std::to_string(pipeFds[1])};
+    const std::vector<std::string> environment = {"XDG_DATA_DIRS=" + sandbox.DataDirs(),
+                                                  "PATH=/usr/local/bin:/usr/bin:/bin"};
+    const std::vector<char*> argv = NullTerminated(command);
+    const std::vector<char*> envp = NullTerminated(environment);
     pid_ = fork();
     if (pid_ == 0) {
         close(pipeFds[0]);
         const int null = open("/dev/null", O_WRONLY);
         dup2(null, STDOUT_FILENO);
         dup2(null, STDERR_FILENO);
-        char* argv[] = {const_cast<char*>("dbus-daemon"), const_cast<char*>("--session"),
-                        const_cast<char*>("--nofork"), const_cast<char*>(printAddress.c_str()),
-                        nullptr};
-        char* envp[] = {const_cast<char*>(dataDirs.c_str()),
-                        const_cast<char*>("PATH=/usr/local/bin:/usr/bin:/bin"), nullptr};
-        execvpe(argv[0], argv, envp);
+        execvpe(argv[0], argv.data(), envp.data());
         _exit(127);
     }
     close(pipeFds[1]);
@@ -123,11 +118,7 @@ void Sandbox::WritePreferences(const std::string& domain,
     std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>\n";
     for (const auto& [key, value] : keys)
         xml.append("<key>").append(key).append("</key>").append(value).append("\n");
-    WriteFile(root_.Path() + "/config/" + domain + ".plist", xml + "</dict></plist>\n");
-}
-
-std::string Sandbox::ReadOwnPreferences() const {
-    return ReadFile(OwnDomain());
+    WriteFile(Domain(domain), xml + "</dict></plist>\n");
 }
 
 void Sandbox::TrashFile(const std::string& name, uint64_t bytes) {
@@ -149,9 +140,9 @@ AgentRun Sandbox::Start(const std::vector<std::string>& arguments, bool privateB
     command.push_back(LARKFEN_HELPER);
     command.insert(command.end(), arguments.begin(), arguments.end());
     const std::vector<std::string> environment = {"HOME=" + root_.Path() + "/home",
-                                                  "XDG_DATA_HOME=" + root_.Path() + "/data",
+                                                  "XDG_DATA_HOME=" + DataHome(),
                                                   "XDG_CONFIG_HOME=" + root_.Path() + "/config",
-                                                  "XDG_DATA_DIRS=" + root_.Path() + "/dirs",
+                                                  "XDG_DATA_DIRS=" + DataDirs(),
                                                   "PATH=/usr/local/bin:/usr/bin:/bin",
                                                   "LANG=C.UTF-8"};
     // Made before the fork, so that the child only redirects and executes.
@@ -194,22 +185,15 @@ AgentRun Sandbox::Start(const std::vector<std::string>& arguments, bool privateB
 
 std::vector<std::string> Sandbox::Verbs(size_t count) const {
     // Desktop actions run detached: wait for what they write, a bounded while.
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        std::vector<std::string> verbs;
-        std::istringstream lines(ReadFile(VerbsFile()));
-        for (std::string line; std::getline(lines, line);) {
-            if (line != "(activated)")
-                verbs.push_back(line);
-        }
-        if (verbs.size() >= count)
-            return verbs;
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
     std::vector<std::string> verbs;
-    std::istringstream lines(ReadFile(VerbsFile()));
-    for (std::string line; std::getline(lines, line);) {
-        if (line != "(activated)")
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        verbs.clear();
+        std::istringstream lines(ReadFile(VerbsFile()));
+        for (std::string line; std::getline(lines, line);)
             verbs.push_back(line);
+        if (verbs.size() >= count)
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
     return verbs;
 }

@@ -23,7 +23,11 @@ class Sandbox {
     std::string DataDirs() const { return root_.Path() + "/dirs"; }
     std::string Trash() const { return DataHome() + "/Trash/files"; }
     std::string Desktop() const { return root_.Path() + "/home/Desktop"; }
-    std::string OwnDomain() const;
+    // The file of a preference domain, and the agent's own.
+    std::string Domain(const std::string& name) const {
+        return root_.Path() + "/config/" + name + ".plist";
+    }
+    std::string OwnDomain() const { return Domain("com.ombrastel.larkfenhelper"); }
     std::string VerbsFile() const { return root_.Path() + "/verbs"; }
 
     // A companion whose desktop actions append their verb to VerbsFile; the verbs
@@ -34,7 +38,6 @@ class Sandbox {
     // Keys of a domain, as XML values ("<true/>", "<string>..</string>").
     void WritePreferences(const std::string& domain,
                           const std::map<std::string, std::string>& keys);
-    std::string ReadOwnPreferences() const;
     // A file of that many bytes (sparse) in the Trash.
     void TrashFile(const std::string& name, uint64_t bytes);
     void TrashBundle(const std::string& name, const std::string& infoPlistBody);
