@@ -1,9 +1,6 @@
 #include "files/FolderItemNames.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <fstream>
 
 #include "fakes/TempFolder.h"
 #include "runtime/RuntimeException.h"
@@ -33,133 +30,82 @@ TEST(FileExtension, Names) {
         {"..", "."},
         {"", ""},
         {"x.a name with spaces", ".a name with spaces"},
-        {"Game.ipa", ".ipa"},
     };
     for (const Row& row : rows)
         EXPECT_EQ(FileExtension(row.name), row.expected) << row.name;
 }
 
-class ApplicationsTest : public testing::Test {
-  protected:
-    std::string Write(const std::string& relative, const std::string& content) {
-        std::string path = folder_.Path() + "/" + relative;
-        std::ofstream(path, std::ios::binary) << content;
-        return path;
-    }
-    std::string MakeFolder(const std::string& relative) {
-        std::string path = folder_.Path() + "/" + relative;
-        std::filesystem::create_directories(path);
-        return path;
-    }
-    std::shared_ptr<FolderItem> Item(const std::string& relative) {
-        return std::make_shared<FolderItem>(folder_.Path() + "/" + relative);
-    }
-    static std::string InfoPlist(const std::string& body) {
-        return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>" + body +
-               "</dict></plist>\n";
-    }
-
-    TempFolder folder_;
-};
-
-TEST_F(ApplicationsTest, WhatCountsAsAnApplication) {
-    MakeFolder("Viewer.app/Contents");
-    Write("Viewer.app/Contents/Info.plist", InfoPlist(""));
-    MakeFolder("Hollow.app/Contents");  // no Info.plist
-    MakeFolder("Plain/Contents");
-    Write("Plain/Contents/Info.plist", InfoPlist(""));  // structure, but not named *.app
-    Write("editor.desktop", "[Desktop Entry]\nType=Application\nName=Editor\nExec=editor\n");
-    Write("site.desktop", "[Desktop Entry]\nType=Link\nName=Site\nURL=https://example.org\n");
-    Write("broken.desktop", "this is no key file");
+TEST(Applications, KindAndBundleInformation) {
+    TempFolder temp;
+    const auto bundle = [&](const std::string& folder, const std::string& body) {
+        temp.WriteFile(folder + "/Contents/Info.plist",
+                       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>" +
+                           body + "</dict></plist>\n");
+    };
+    bundle("Viewer.app", "");
+    bundle("Plain", "");  // the structure, but not named *.app
+    temp.MakeFolder("Hollow.app/Contents");
+    temp.WriteFile("Garbled.app/Contents/Info.plist", "<plist><dict><key>x</key>");
+    temp.WriteFile("org.example.Editor.desktop",
+                   "[Desktop Entry]\nType=Application\nName=Editor\nExec=editor %F\n");
+    temp.WriteFile("site.desktop",
+                   "[Desktop Entry]\nType=Link\nName=Site\nURL=https://example.org\n");
+    temp.WriteFile("broken.desktop", "this is no key file");
     // Hidden= hides an entry from menus; the file still describes an application.
-    Write("hidden.desktop", "[Desktop Entry]\nType=Application\nName=Gone\nHidden=true\n");
-    Write("nogroup.desktop", "[Desktop Action open]\nType=Application\nExec=x\n");
-    Write("tool.AppImage", std::string("\x7f"
-                                       "ELF\x02\x01\x01\x00"
-                                       "AI\x02 rest",
-                                       16));
-    Write("old.AppImage", std::string("\x7f"
-                                      "ELF\x01\x01\x01\x00"
-                                      "AI\x01",
-                                      11));
-    Write("short.AppImage", std::string("\x7f"
-                                        "ELF\x02\x01\x01\x00"
-                                        "AI",
-                                        10));
-    Write("notes.txt", "AI\x02 at the wrong place");
-    ASSERT_EQ(symlink((folder_.Path() + "/tool.AppImage").c_str(),
-                      (folder_.Path() + "/link.AppImage").c_str()),
-              0);
-    ASSERT_EQ(
-        symlink((folder_.Path() + "/Viewer.app").c_str(), (folder_.Path() + "/Link.app").c_str()),
-        0);
+    temp.WriteFile("hidden.desktop", "[Desktop Entry]\nType=Application\nName=Gone\nHidden=true\n");
+    temp.WriteFile("nogroup.desktop", "[Desktop Action open]\nType=Application\nExec=x\n");
+    const std::string elf(
+        "\x7f"
+        "ELF\x02\x01\x01\x00",
+        8);
+    temp.WriteFile("tool.AppImage", elf + "AI\x02 rest");
+    temp.WriteFile("old.AppImage", elf + "AI\x01");
+    temp.WriteFile("short.AppImage", elf + "AI");
+    temp.WriteFile("notes.txt", "AI\x02 at the wrong place");
+    temp.MakeLink("link.AppImage", temp / "tool.AppImage");
+    temp.MakeLink("Link.app", temp / "Viewer.app");
     struct Row {
         const char* name;
         bool application;
+        bool bundle;  // opens as a bundle
+        bool info;    // and its information could be read
+        const char* id;
     };
     const Row rows[] = {
-        {"Viewer.app", true},     {"Hollow.app", false},      {"Plain", false},
-        {"editor.desktop", true}, {"site.desktop", false},    {"broken.desktop", false},
-        {"hidden.desktop", true}, {"nogroup.desktop", false}, {"tool.AppImage", true},
-        {"old.AppImage", true},   {"short.AppImage", false},  {"notes.txt", false},
-        {"link.AppImage", false}, {"Link.app", false},        {"missing.app", false},
+        {"Viewer.app", true, true, true, ""},
+        {"Garbled.app", true, true, false, ""},
+        {"Hollow.app", false, false, false, ""},
+        {"Plain", false, false, false, ""},
+        {"org.example.Editor.desktop", true, true, true, "org.example.Editor"},
+        {"hidden.desktop", true, true, true, "hidden"},
+        {"site.desktop", false, false, false, ""},
+        {"broken.desktop", false, false, false, ""},
+        {"nogroup.desktop", false, false, false, ""},
+        // An AppImage is an application that carries no information.
+        {"tool.AppImage", true, false, false, ""},
+        {"old.AppImage", true, false, false, ""},
+        {"short.AppImage", false, false, false, ""},
+        {"notes.txt", false, false, false, ""},
+        {"link.AppImage", false, false, false, ""},
+        {"Link.app", false, false, false, ""},
+        {"missing.app", false, false, false, ""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        EXPECT_EQ(isApplicationMBS(Item(row.name)), row.application);
-        // Only applications open as bundles, and an AppImage carries no information.
-        const auto bundle = BundleZRV(Item(row.name));
-        const bool hasInfo = bundle != nullptr && bundle->infoDictionary() != nullptr;
-        EXPECT_EQ(hasInfo, row.application && FileExtension(row.name) != ".AppImage");
-        if (!row.application) {
-            EXPECT_EQ(bundle, nullptr);
-        }
+        const auto item = std::make_shared<FolderItem>(temp / row.name);
+        EXPECT_EQ(isApplicationMBS(item), row.application);
+        const auto opened = BundleZRV(item);
+        EXPECT_EQ(opened != nullptr, row.bundle);
+        EXPECT_EQ(opened != nullptr && opened->infoDictionary() != nullptr, row.info);
+        EXPECT_EQ(BundleIDZRV(item), row.id);
     }
-    EXPECT_EQ(BundleIDZRV(Item("editor.desktop")), "editor");
-    EXPECT_EQ(BundleIDZRV(Item("hidden.desktop")), "hidden");
-    EXPECT_EQ(BundleIDZRV(Item("tool.AppImage")), "");  // an application, but no bundle
+    const auto editor =
+        BundleZRV(std::make_shared<FolderItem>(temp / "org.example.Editor.desktop"));
+    EXPECT_EQ(VariantToString(editor->infoDictionary()->Value(StringToVariant("CFBundleName"))),
+              "Editor");
     EXPECT_THROW(isApplicationMBS(nullptr), NilObjectException);
     EXPECT_THROW(BundleZRV(nullptr), NilObjectException);
     EXPECT_THROW(BundleIDZRV(nullptr), NilObjectException);
-}
-
-TEST_F(ApplicationsTest, BundleInformation) {
-    MakeFolder("Viewer (2.1).app/Contents");
-    Write("Viewer (2.1).app/Contents/Info.plist",
-          InfoPlist("<key>CFBundleName</key><string>Viewer</string>"
-                    "<key>CFBundleShortVersionString</key><string>2.1</string>"
-                    "<key>CFBundleIdentifier</key><string>org.example.viewer</string>"));
-    MakeFolder("Anonymous.app/Contents");
-    Write("Anonymous.app/Contents/Info.plist",
-          InfoPlist("<key>CFBundleName</key><string>A</string>"));
-    MakeFolder("Garbled.app/Contents");
-    Write("Garbled.app/Contents/Info.plist", "<plist><dict><key>x</key>");
-    Write("org.example.Editor.desktop",
-          "[Desktop Entry]\nType=Application\nName=Editor\nExec=editor %F\n");
-
-    const auto viewer = BundleZRV(Item("Viewer (2.1).app"));
-    ASSERT_NE(viewer, nullptr);
-    ASSERT_NE(viewer->infoDictionary(), nullptr);
-    EXPECT_EQ(VariantToString(viewer->infoDictionary()->Value(StringToVariant("CFBundleName"))),
-              "Viewer");
-    EXPECT_EQ(BundleIDZRV(Item("Viewer (2.1).app")), "org.example.viewer");
-
-    EXPECT_EQ(BundleIDZRV(Item("Anonymous.app")), "");  // a bundle without an identifier
-    const auto garbled = BundleZRV(Item("Garbled.app"));
-    ASSERT_NE(garbled, nullptr);
-    EXPECT_EQ(garbled->infoDictionary(), nullptr);
-    EXPECT_EQ(BundleIDZRV(Item("Garbled.app")), "");
-
-    const auto editor = BundleZRV(Item("org.example.Editor.desktop"));
-    ASSERT_NE(editor, nullptr);
-    EXPECT_EQ(VariantToString(editor->infoDictionary()->Value(StringToVariant("CFBundleName"))),
-              "Editor");
-    EXPECT_EQ(BundleIDZRV(Item("org.example.Editor.desktop")), "org.example.Editor");
-
-    MakeFolder("Folder");
-    EXPECT_EQ(BundleZRV(Item("Folder")), nullptr);  // no bundle structure: no failure either
-    EXPECT_EQ(BundleIDZRV(Item("Folder")), "");
-    EXPECT_EQ(BundleIDZRV(Item("nothing here")), "");
 }
 
 }  // namespace

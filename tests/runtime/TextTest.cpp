@@ -4,6 +4,9 @@
 
 namespace {
 
+// Format's grouping and rounding at the thresholds of file sizes are walked through
+// FormatFileSize, and two-digit fields through SQLDateTime; these are the masks and
+// signs they do not use.
 TEST(Format, Masks) {
     constexpr const char* kWhole = "-###,###,###,###,###,###,##0";
     constexpr const char* kOneDecimal = "-###,###,###,###,###,###,##0.0";
@@ -13,25 +16,12 @@ TEST(Format, Masks) {
         const char* expected;
     };
     const Row rows[] = {
-        {7, "00", "07"},
         {123, "00", "123"},
         {1, "0000", "0001"},
-        {0, kWhole, "0"},
-        {0.4, kWhole, "0"},
-        {999.499, kWhole, "999"},
-        {999.501, kWhole, "1,000"},
-        {12345000, kWhole, "12,345,000"},
         {-2048, kWhole, "-2,048"},
-        {52.4288, kOneDecimal, "52.4"},
-        {999.949999, kOneDecimal, "999.9"},
-        {999.96, kOneDecimal, "1,000.0"},
-        {0, kOneDecimal, "0.0"},
         // Exactly half-way values round away from zero; 0.05 is a little above
         // one half-tenth in binary, 0.15 a little below.
-        {2.5, kWhole, "3"},
-        {1.5, kWhole, "2"},
         {-2.5, kWhole, "-3"},
-        {1.25, kOneDecimal, "1.3"},
         {0.05, kOneDecimal, "0.1"},
         {0.15, kOneDecimal, "0.1"},
         {-0.4, kWhole, "0"},
@@ -43,18 +33,15 @@ TEST(Format, Masks) {
     }
 }
 
+// Fields of versions ("2b3", "3 beta", "-2", "abc") are read through CompareVersions.
 TEST(Val, ReadsTheLeadingNumber) {
     struct Row {
         const char* text;
         double expected;
     };
-    const Row rows[] = {{"", 0},       {"abc", 0},
-                        {"12", 12},    {"2b3", 2},
-                        {"3 beta", 3}, {"-2", -2},
-                        {"+5", 5},     {"1.2.3", 1.2},
-                        {".5", 0.5},   {"  42", 42},
-                        {"1e3", 1000}, {"1e", 1},
-                        {"-", 0},      {"0.1234567899", 0.1234567899}};
+    const Row rows[] = {{"", 0},       {"+5", 5},    {"1.2.3", 1.2},
+                        {".5", 0.5},   {"  42", 42}, {"-", 0},
+                        {"1e3", 1000}, {"1e", 1},    {"0.1234567899", 0.1234567899}};
     for (const Row& row : rows)
         EXPECT_DOUBLE_EQ(Val(row.text), row.expected) << row.text;
 }
@@ -69,15 +56,13 @@ TEST(IsNumeric, WholeTextOnly) {
     }
 }
 
+// Split by a separator, empty fields included, is walked through FileExtension.
 TEST(Fields, SplitNthFieldCountFields) {
-    EXPECT_EQ(Split("1.2.3", "."), (std::vector<std::string>{"1", "2", "3"}));
     EXPECT_EQ(Split("", "."), (std::vector<std::string>{""}));
-    EXPECT_EQ(Split("a..b.", "."), (std::vector<std::string>{"a", "", "b", ""}));
     EXPECT_EQ(Split("Zé:", ""), (std::vector<std::string>{"Z", "é", ":"}));
     EXPECT_EQ(NthField("10.x.3", ".", 2), "x");
     EXPECT_EQ(NthField("1.5", ".", 3), "");
     EXPECT_EQ(NthField("1.5", ".", 0), "");
-    EXPECT_EQ(NthField("52.4 MB", " ", 2), "MB");
     EXPECT_EQ(CountFields("5:3", ":"), 2);
     EXPECT_EQ(CountFields("", ":"), 1);
     EXPECT_EQ(CountFields("01:02:03", ":"), 3);
@@ -91,8 +76,6 @@ TEST(Search, IgnoresCase) {
     EXPECT_EQ(IndexOf("héllo", "L"), 2);  // characters, not bytes
     EXPECT_EQ(IndexOf("abc", "c", 3), -1);
     EXPECT_EQ(Replace("The ^0 and ^0", "^0", "<b>^0&</b>"), "The <b>^0&</b> and ^0");
-    EXPECT_EQ(Replace("1.0 MB", ".0 ", " "), "1 MB");
-    EXPECT_EQ(RuntimeStringCompare("-TRASHCHANGED", "-TrashChanged"), 0);
     EXPECT_LT(RuntimeStringCompare("a", "B"), 0);
     EXPECT_FALSE(TextEquals("app", "app "));
 }
@@ -112,8 +95,6 @@ TEST(Substrings, CountCharacters) {
     EXPECT_EQ(Middle("über", 1, 2), "be");
     EXPECT_EQ(Length("über"), 4);
     EXPECT_EQ(Length("\xff\xfe"), 2);  // stray bytes count one each
-    EXPECT_EQ(Join({"a", "b", "c"}, "\n"), "a\nb\nc");
-    EXPECT_EQ(Str(static_cast<int64_t>(-15)), "-15");
     EXPECT_EQ(Str(2.5), "2.5");
 }
 
