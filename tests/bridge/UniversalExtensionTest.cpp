@@ -20,25 +20,14 @@ TEST(ArrayValueZRV, NonArraysGiveEmpty) {
     }
 }
 
-TEST(ArrayValueZRV, TypedArraysAreBoxedInOrder) {
-    auto strings = CreateArray<std::string>();
-    strings->items = {"b", "a"};
+TEST(ArrayValueZRV, ElementsAreBoxedInOrder) {
     auto ints = CreateArray<int32_t>();
     ints->items = {7, -1};
-    auto flags = CreateArray<bool>();
-    flags->items = {true};
-    const auto fromStrings = ArrayValueZRV(Variant(strings));
-    ASSERT_EQ(fromStrings->items.size(), 2U);
-    EXPECT_EQ(VarType(fromStrings->items[0]), kTypeString);
-    EXPECT_EQ(VariantToString(fromStrings->items[1]), "a");
     const auto fromInts = ArrayValueZRV(Variant(ints));
     ASSERT_EQ(fromInts->items.size(), 2U);
-    EXPECT_EQ(VarType(fromInts->items[0]), kTypeInt64);
+    EXPECT_EQ(VarType(fromInts->items[0]), kTypeInt64);  // both widths read as Int64
     EXPECT_EQ(VariantToInt64(fromInts->items[1]), -1);
-    EXPECT_EQ(VarType(ArrayValueZRV(Variant(flags))->items.at(0)), kTypeBoolean);
-}
 
-TEST(ArrayValueZRV, ObjectArrays) {
     RecordingLog log;
     auto dictionaries = CreateArray<std::shared_ptr<Dictionary>>();
     dictionaries->items = {std::make_shared<Dictionary>()};
@@ -46,15 +35,14 @@ TEST(ArrayValueZRV, ObjectArrays) {
     ASSERT_EQ(sameObjects->items.size(), 1U);
     EXPECT_EQ(sameObjects->items[0].ObjectValue(), dictionaries->items[0]);
 
+    // An array inside an array of values is converted too.
     auto inner = CreateArray<std::string>();
     inner->items = {"x"};
     auto mixed = CreateArray<Variant>();
-    mixed->items = {StringToVariant("s"), Variant(inner), Int64ToVariant(2)};
-    const auto nested = ArrayValueZRV(Variant(mixed));
-    ASSERT_EQ(nested->items.size(), 3U);
-    const auto converted = VariantArrayAssignmentWithTypeCheck<Variant>(nested->items[1]);
-    ASSERT_EQ(converted->items.size(), 1U);  // the nested array, itself converted
-    EXPECT_EQ(VarType(converted->items[0]), kTypeString);
+    mixed->items = {StringToVariant("s"), Variant(inner)};
+    const auto converted =
+        VariantArrayAssignmentWithTypeCheck<Variant>(ArrayValueZRV(Variant(mixed))->items.at(1));
+    EXPECT_EQ(VarType(converted->items.at(0)), kTypeString);
     EXPECT_TRUE(log.entries.empty());
 }
 
@@ -81,7 +69,6 @@ TEST(CloneArrayStringZRV, CopiesTheArray) {
     const auto copy = CloneArrayStringZRV(original);
     EXPECT_NE(copy, original);
     EXPECT_EQ(copy->items, original->items);
-    EXPECT_TRUE(CloneArrayStringZRV(CreateArray<std::string>())->items.empty());
     EXPECT_THROW(CloneArrayStringZRV(nullptr), NilObjectException);
 }
 

@@ -14,16 +14,14 @@ using ExtensionDate::ISO8601TimeStampZRV;
 using ExtensionDate::NewDateTimeFromLegacyDateTotalSeconds;
 using ExtensionDate::ParseTimeStampZRV;
 
-struct Parsed {
-    const char* text;
-    const char* fields;  // "YYYY-MM-DD HH:MM:SS", or nullptr for nil
-    int64_t offset;
-    int64_t nanosecond;
-};
-
 TEST(ParseTimeStampZRV, WorkedExamples) {
-    const Parsed rows[] = {
-        {"", nullptr, 0, 0},
+    struct Row {
+        const char* text;
+        const char* fields;  // "YYYY-MM-DD HH:MM:SS"
+        int64_t offset;
+        int64_t nanosecond;
+    };
+    const Row rows[] = {
         {"2020-05-06T07:08:09Z", "2020-05-06 07:08:09", 0, 0},
         {"2020-05-06T07:08:09", "2020-05-06 07:08:09", 0, 0},
         {"2020-05-06T07:08:09+02:00", "2020-05-06 07:08:09", 7200, 0},
@@ -33,65 +31,54 @@ TEST(ParseTimeStampZRV, WorkedExamples) {
         {"2020-05-06T07:08:09.5Z", "2020-05-06 07:08:09", 0, 500000000},
         {"2020-05-06t07:08:09z", "2020-05-06 07:08:09", 0, 0},
         {"2020-05-06T07:08", "2020-05-06 07:08:00", 0, 0},
-        {"2020-05-06T07:08:", "2020-05-06 07:08:00", 0, 0},
         {"2020-01-02T03:04:Z", "2020-01-02 03:04:00", 0, 0},
         {"--T07:08:09Z", "0001-01-01 07:08:09", 0, 0},
         {"2020-05-06T07:08:9Z", "2020-05-06 07:08:09", 0, 0},
         {"2020-05-06T07:08:09+Nowhere", "2020-05-06 07:08:09", 0, 0},
         {"2020-05-06T07:08:09+5:3", "2020-05-06 07:08:09", 18180, 0},
-        {"2020-05-06T07:08:09+00:00", "2020-05-06 07:08:09", 0, 0},
         {"2020-05-06T07:08:09-00:00", "2020-05-06 07:08:09", 0, 0},
+        {"2020-05-06T07:08:09+18:00", "2020-05-06 07:08:09", 64800, 0},  // the widest zones
+        {"2020-05-06T07:08:09-18:00", "2020-05-06 07:08:09", -64800, 0},
         {"2020-05-06T07:08:09+x:y", "2020-05-06 07:08:09", 0, 0},
-        {"2020-05-06T07:08:09.1Z", "2020-05-06 07:08:09", 0, 100000000},
         {"2020-05-06T07:08:09.123456789Z", "2020-05-06 07:08:09", 0, 123456789},
         {"2020-05-06T07:08:09.1234567899Z", "2020-05-06 07:08:09", 0, 123456789},
         {"2020-05-06T07:08:09.25.75Z", "2020-05-06 07:08:09", 0, 250000000},
-        {"2020-05-06T07:08:09+123", nullptr, 0, 0},
-        {"2020-05-06T07:08:09+01:02:03", nullptr, 0, 0},
-        {"2020-05-06T07:08:09Zoo", nullptr, 0, 0},
-        {"2020-05-06T7:08:09Z", nullptr, 0, 0},
-        {"2020-13-06T07:08:09Z", nullptr, 0, 0},
-        {"2020-02-30T07:08:09Z", nullptr, 0, 0},
-        {"2020-05-06T24:08:09Z", nullptr, 0, 0},
-        {"2020-05-06T07:08:60Z", nullptr, 0, 0},
-        {"20-05-06T07:08:09Z", nullptr, 0, 0},
-        {"T07:08:09Z", nullptr, 0, 0},
-        {"hello", nullptr, 0, 0},
-        {"2020-01-02T03:04Z", nullptr, 0, 0},
-        {"2020-05-06 Sat", nullptr, 0, 0},  // "t" counts as "T": scanned, and fails
-        {"2020-05-06T07:08:09é", nullptr, 0, 0},
     };
-    for (const Parsed& row : rows) {
+    for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
         const auto date = ParseTimeStampZRV(row.text);
-        if (row.fields == nullptr) {
-            EXPECT_EQ(date, nullptr);
-            continue;
-        }
         ASSERT_NE(date, nullptr);
         EXPECT_EQ(date->SQLDateTime(), row.fields);
         EXPECT_EQ(date->Timezone()->SecondsFromGMT(), row.offset);
         EXPECT_EQ(date->Nanosecond(), row.nanosecond);
     }
+    // No timestamps; "t" counts as "T", so "2020-05-06 Sat" is scanned, and fails.
+    for (const char* text :
+         {"", "2020-05-06T07:08:09+123", "2020-05-06T07:08:09+01:02:03", "2020-05-06T07:08:09Zoo",
+          "2020-05-06T7:08:09Z", "2020-02-30T07:08:09Z", "2020-05-06T24:08:09Z",
+          "2020-05-06T07:08:60Z", "20-05-06T07:08:09Z", "T07:08:09Z", "2020-01-02T03:04Z",
+          "2020-05-06 Sat", "2020-05-06T07:08:09é"}) {
+        EXPECT_EQ(ParseTimeStampZRV(text), nullptr) << text;
+    }
 }
 
 TEST(ParseTimeStampZRV, NumbersAndPlainDatesAreLocal) {
     // A number is seconds since 1970, not a year, in the current zone.
-    for (const char* text : {"1000", "2020", "-86400", "1.5"}) {
+    for (const char* text : {"2020", "-86400", "1.5"}) {
+        SCOPED_TRACE(text);
         const auto date = ParseTimeStampZRV(text);
-        ASSERT_NE(date, nullptr) << text;
-        EXPECT_DOUBLE_EQ(date->SecondsFrom1970(), std::stod(text)) << text;
+        ASSERT_NE(date, nullptr);
+        EXPECT_DOUBLE_EQ(date->SecondsFrom1970(), std::stod(text));
         EXPECT_EQ(date->Timezone()->SecondsFromGMT(),
                   TimeZone::Current()->SecondsFromGMTAt(std::chrono::sys_seconds{
-                      std::chrono::seconds{static_cast<int64_t>(std::stod(text))}}))
-            << text;
+                      std::chrono::seconds{static_cast<int64_t>(std::stod(text))}}));
     }
     // Without "T" a date goes whole to the calendar, in the current zone.
     const auto plain = ParseTimeStampZRV("2020-05-06 07:08:09");
     ASSERT_NE(plain, nullptr);
     EXPECT_EQ(plain->SQLDateTime(), "2020-05-06 07:08:09");
-    const auto expected = DateTime(2020, 5, 6, 7, 8, 9, 0, nullptr);
-    EXPECT_EQ(plain->SecondsFrom1970(), expected.SecondsFrom1970());
+    EXPECT_EQ(plain->SecondsFrom1970(),
+              DateTime(2020, 5, 6, 7, 8, 9, 0, nullptr).SecondsFrom1970());
     EXPECT_EQ(ParseTimeStampZRV("2020-05-06")->SQLDateTime(), "2020-05-06 00:00:00");
     EXPECT_EQ(ParseTimeStampZRV("2020-13-06"), nullptr);
 }
@@ -103,8 +90,6 @@ TEST(ParseTimeStampZRV, RefusedOffsetsPassUp) {
           "2020-05-06T07:08:09+18:01"}) {
         EXPECT_THROW(ParseTimeStampZRV(text), InvalidArgumentException) << text;
     }
-    EXPECT_NE(ParseTimeStampZRV("2020-05-06T07:08:09+18:00"), nullptr);
-    EXPECT_NE(ParseTimeStampZRV("2020-05-06T07:08:09-18:00"), nullptr);
 }
 
 TEST(ISO8601TimeStampZRV, Shapes) {
@@ -131,9 +116,7 @@ TEST(ISO8601TimeStampZRV, Shapes) {
 TEST(ISO8601TimeStampZRV, ReadsBackToTheSameSecond) {
     const auto now = DateTime::Now(nullptr);
     const auto dates = {
-        now,
-        now->SubtractInterval(0, 0, 5, 0, 0, 0, 0),
-        now->SubtractInterval(0, 0, 200, 0, 0, 0, 0),
+        now,  // with a fraction of a second
         std::make_shared<DateTime>(2021, 7, 1, 12, 0, 0, 0, nullptr),  // summer, local
         std::make_shared<DateTime>(2021, 1, 1, 12, 0, 0, 0, nullptr),  // winter, local
         std::make_shared<DateTime>(2021, 3, 31, 1, 46, 40, 0, std::make_shared<TimeZone>(3600)),
@@ -161,8 +144,6 @@ TEST(NewDateTimeFromLegacyDateTotalSeconds, KeepsTheWallClock) {
     };
     const Row rows[] = {
         {"UTC", 2082844800, 0, "1970-01-01 00:00:00"},
-        {"Etc/GMT-1", 2082844800, -3600, "1970-01-01 00:00:00"},
-        {"UTC", 3700000000, 1617155200, "2021-03-31 01:46:40"},
         {"Etc/GMT-1", 3700000000, 1617151600, "2021-03-31 01:46:40"},
         {"UTC", 0, -2082844800, "1904-01-01 00:00:00"},
     };
