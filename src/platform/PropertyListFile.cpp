@@ -17,8 +17,6 @@ namespace platform {
 namespace {
 
 constexpr std::string_view kBinaryMagic = "bplist00";
-// Seconds between 1970 and 2001, the reference date of property-list dates.
-constexpr double kReferenceDate = 978307200.0;
 
 struct NodeDeleter {
     void operator()(plist_t node) const { plist_free(node); }
@@ -95,34 +93,72 @@ class BinaryCheck {
     }
 
   private:
-    // The references of object `index`, or false when they run out of bounds.
+    // Where object `index` begins, or 0 when that is out of bounds.
+    uint64_t OffsetOf(uint64_t index) const {
+        const uint64_t at = ReadBigEndian(bytes_, tableAt_ + index * offsetSize_, offsetSize_);
+        return at >= kBinaryMagic.size() && at < tableAt_ ? at : 0;
+    }
+
+    // The count in the marker of the object at `at` and where its contents begin,
+    // or false when they run out of bounds.
+    bool Counted(uint64_t at, uint64_t& items, uint64_t& next) const {
+        items = static_cast<uint8_t>(bytes_[at]) & 0x0F;
+        next = at + 1;
+        if (items != 0x0F)
+            return true;
+        if (next >= tableAt_)
+            return false;
+        const auto lengthMarker = static_cast<uint8_t>(bytes_[next]);
+        const size_t width = size_t{1} << (lengthMarker & 0x03);
+        if ((lengthMarker >> 4) != 0x1 || next + 1 + width > tableAt_)
+            return false;
+        items = ReadBigEndian(bytes_, next + 1, width);
+        next += 1 + width;
+        return true;
+    }
+
+    // Whether object `index`, a dictionary's key, is a string holding a NUL
+    // character (or runs out of bounds): the library keeps such a key but aborts
+    // when asked for it.
+    bool KeyHoldsNul(uint64_t index) const {
+        const uint64_t at = OffsetOf(index);
+        uint64_t items = 0;
+        uint64_t next = 0;
+        if (at == 0 || !Counted(at, items, next))
+            return true;
+        const int type = static_cast<uint8_t>(bytes_[at]) >> 4;
+        if (type != 0x5 && type != 0x6)
+            return false;  // ASCII and UTF-16 are the only texts
+        const uint64_t width = type == 0x6 ? 2 : 1;
+        if (items > (tableAt_ - next) / width)
+            return true;
+        for (uint64_t i = 0; i < items; ++i) {
+            if (ReadBigEndian(bytes_, next + i * width, width) == 0)
+                return true;
+        }
+        return false;
+    }
+
+    // The references of object `index`, or false when they run out of bounds or a
+    // dictionary has a key the library cannot give back.
     bool References(uint64_t index, std::vector<uint64_t>& refs) const {
         refs.clear();
-        const uint64_t at = ReadBigEndian(bytes_, tableAt_ + index * offsetSize_, offsetSize_);
-        if (at < kBinaryMagic.size() || at >= tableAt_)
+        const uint64_t at = OffsetOf(index);
+        if (at == 0)
             return false;
-        const auto marker = static_cast<uint8_t>(bytes_[at]);
-        const int type = marker >> 4;
+        const int type = static_cast<uint8_t>(bytes_[at]) >> 4;
         if (type != 0xA && type != 0xC && type != 0xD)
             return true;  // no references
-        uint64_t items = marker & 0x0F;
-        uint64_t next = at + 1;
-        if (items == 0x0F) {
-            if (next >= tableAt_)
-                return false;
-            const auto lengthMarker = static_cast<uint8_t>(bytes_[next]);
-            const size_t width = size_t{1} << (lengthMarker & 0x03);
-            if ((lengthMarker >> 4) != 0x1 || next + 1 + width > tableAt_)
-                return false;
-            items = ReadBigEndian(bytes_, next + 1, width);
-            next += 1 + width;
-        }
+        uint64_t items = 0;
+        uint64_t next = 0;
+        if (!Counted(at, items, next))
+            return false;
         const uint64_t refCount = type == 0xD ? items * 2 : items;
         if (refCount > (tableAt_ - next) / refSize_)
             return false;
         for (uint64_t i = 0; i < refCount; ++i) {
             const uint64_t ref = ReadBigEndian(bytes_, next + i * refSize_, refSize_);
-            if (ref >= count_)
+            if (ref >= count_ || (type == 0xD && i < items && KeyHoldsNul(ref)))
                 return false;
             refs.push_back(ref);
         }
@@ -213,8 +249,8 @@ PropertyListValue FromNode(plist_t node) {
             return PropertyListValue::Real(number);
         }
         case PLIST_STRING: {
-            // Read with its length: the library's copying reader aborts on a string
-            // that holds a NUL byte, which a damaged file can.
+            // Read with its length, not through the copying reader, which aborts
+            // wherever the length and the text disagree.
             uint64_t length = 0;
             const char* text = plist_get_string_ptr(node, &length);
             return PropertyListValue::String(text != nullptr ? std::string(text, length) : "");
@@ -313,7 +349,9 @@ std::optional<PropertyListValue> ParsePropertyList(std::string_view bytes) {
             return std::nullopt;
         plist_from_bin(bytes.data(), static_cast<uint32_t>(bytes.size()), &root);
     } else {
-        if (!XmlDepthWithinLimit(bytes))
+        // No XML holds a NUL character; the library would keep one inside a text
+        // and abort when asked for that text.
+        if (bytes.find('\0') != std::string_view::npos || !XmlDepthWithinLimit(bytes))
             return std::nullopt;
         plist_from_xml(bytes.data(), static_cast<uint32_t>(bytes.size()), &root);
     }
