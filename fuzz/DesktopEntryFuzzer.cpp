@@ -5,15 +5,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "files/FolderItemNames.h"
 #include "platform/DesktopEntry.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    // One file for the whole run, in a folder of its own that goes with the process.
+    static char folder[] = "/tmp/larkfen-fuzz-XXXXXX";
     static const std::string path = [] {
-        char folder[] = "/tmp/larkfen-fuzz-XXXXXX";
-        return std::string(mkdtemp(folder)) + "/org.example.Fuzz.desktop";
+        if (mkdtemp(folder) == nullptr)
+            __builtin_trap();
+        std::atexit([] {
+            std::remove((std::string(folder) + "/org.example.Fuzz.desktop").c_str());
+            rmdir(folder);
+        });
+        return std::string(folder) + "/org.example.Fuzz.desktop";
     }();
     FILE* file = std::fopen(path.c_str(), "wb");
     if (file == nullptr)
