@@ -201,13 +201,13 @@ class PlistFileStore final : public PreferenceStore {
 
     // The domain's dictionary on disk: empty when there is no file; nullopt when
     // the file is damaged or unreadable (said once per domain).
-    std::optional<PropertyListValue> ReadDomain(const PropertyListRead& read,
-                                                const std::string& path, DomainView& view) {
+    std::optional<PropertyListValue> ReadDomain(PropertyListRead&& read, const std::string& path,
+                                                DomainView& view) {
         if (read.status == PropertyListRead::Status::kMissing)
             return PropertyListValue::Dictionary();
         if (read.status == PropertyListRead::Status::kRead &&
             read.value->kind() == PropertyListValue::Kind::kDictionary) {
-            return read.value;
+            return std::move(read.value);
         }
         if (!view.complained) {
             view.complained = true;
@@ -220,7 +220,9 @@ class PlistFileStore final : public PreferenceStore {
     }
 
     bool SynchronizePath(const std::string& path) {
-        DomainView& view = ViewOf(path);
+        // The file is read under the lock below: a view not yet loaded need not
+        // read it first.
+        DomainView& view = views_[path];
         if (!MakeFolders(FolderOf(path)))
             return false;
         const FileDescriptor lock(
@@ -232,27 +234,33 @@ class PlistFileStore final : public PreferenceStore {
                 return false;
         }
         RemoveStaleTemporaries(path);
-        const PropertyListRead read = ReadPropertyList(path);
-        if (read.status == PropertyListRead::Status::kUnreadable)
+        PropertyListRead read = ReadPropertyList(path);
+        const PropertyListRead::Status status = read.status;
+        if (status == PropertyListRead::Status::kUnreadable)
             return false;
-        const std::optional<PropertyListValue> onDisk = ReadDomain(read, path, view);
-        PropertyListValue merged = onDisk.value_or(PropertyListValue::Dictionary());
-        for (const auto& [key, value] : view.changed)
+        std::optional<PropertyListValue> onDisk = ReadDomain(std::move(read), path, view);
+        const bool damaged = !onDisk.has_value();
+        PropertyListValue merged = damaged ? PropertyListValue::Dictionary() : std::move(*onDisk);
+        bool differs = false;
+        for (const auto& [key, value] : view.changed) {
+            const PropertyListValue* old = merged.Find(key);
+            differs = differs || (value ? old == nullptr || *old != *value : old != nullptr);
             merged.Set(key, value ? &*value : nullptr);
+        }
         bool write = false;
-        if (read.status == PropertyListRead::Status::kMissing) {
+        if (status == PropertyListRead::Status::kMissing) {
             write = !merged.Entries().empty();
-        } else if (!onDisk) {
+        } else if (damaged) {
             write = !view.changed.empty();  // a damaged file stays until there is something to keep
         } else {
-            write = merged != *onDisk;
+            write = differs;
         }
-        if (write &&
-            !Publish(path, merged, /*keepOldAsCorrupt=*/!onDisk.has_value() &&
-                                       read.status != PropertyListRead::Status::kMissing)) {
+        if (write && !Publish(path, merged, /*keepOldAsCorrupt=*/damaged &&
+                                                status != PropertyListRead::Status::kMissing)) {
             return false;
         }
         view.values = std::move(merged);
+        view.loaded = true;
         view.changed.clear();
         return true;
     }
