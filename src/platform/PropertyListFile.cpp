@@ -122,15 +122,15 @@ class BinaryCheck {
     // when asked for it.
     bool KeyHoldsNul(uint64_t index) const {
         const uint64_t at = OffsetOf(index);
-        uint64_t items = 0;
-        uint64_t next = 0;
-        if (at == 0 || !Counted(at, items, next))
+        if (at == 0)
             return true;
         const int type = static_cast<uint8_t>(bytes_[at]) >> 4;
         if (type != 0x5 && type != 0x6)
             return false;  // ASCII and UTF-16 are the only texts
+        uint64_t items = 0;
+        uint64_t next = 0;
         const uint64_t width = type == 0x6 ? 2 : 1;
-        if (items > (tableAt_ - next) / width)
+        if (!Counted(at, items, next) || items > (tableAt_ - next) / width)
             return true;
         for (uint64_t i = 0; i < items; ++i) {
             if (ReadBigEndian(bytes_, next + i * width, width) == 0)
