@@ -18,7 +18,7 @@ constexpr const char* kNilArray = "The array is Nil.";
 template <class T>
 ArrayRef<Variant> BoxAll(const Variant& value, ArrayRef<Variant> result) {
     const ArrayRef<T> typed = VariantArrayAssignmentWithTypeCheck<T>(value);
-    for (const T& element : typed->items) {
+    for (const auto& element : typed->items) {
         if constexpr (std::is_same_v<T, std::shared_ptr<DateTime>>) {
             result->items.emplace_back(element);
         } else if constexpr (std::is_same_v<T, int32_t>) {

@@ -12,7 +12,7 @@
 
 namespace platform {
 
-inline constexpr size_t kMaxPropertyListBytes = 16 * 1024 * 1024;
+inline constexpr size_t kMaxPropertyListBytes = size_t{16} * 1024 * 1024;
 inline constexpr int kMaxPropertyListDepth = 512;
 
 // The value in the bytes of a property list, or nullopt when they are no

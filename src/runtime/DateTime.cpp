@@ -54,8 +54,8 @@ sys_seconds CivilSeconds(int64_t year, int64_t month, int64_t day, int64_t hour,
     if (normalYear < -kLastYear || normalYear > kLastYear) {
         throw InvalidArgumentException(kYearOutOfRange);
     }
-    const date::sys_days first =
-        date::year{static_cast<int>(normalYear)} / static_cast<unsigned>(normalMonth) / 1;
+    const date::sys_days first = date::year{static_cast<int>(normalYear)} /
+                                 date::month{static_cast<unsigned>(normalMonth)} / date::day{1};
     return first + days{day - 1} + std::chrono::hours{hour} + std::chrono::minutes{minute} +
            seconds{second};
 }

@@ -28,12 +28,14 @@ class RuntimeException : public std::exception {
     std::vector<std::string> stack_;
 };
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the argument is a class name
 #define LARKFEN_DECLARE_EXCEPTION(Name)                          \
     class Name : public RuntimeException {                       \
       public:                                                    \
         using RuntimeException::RuntimeException;                \
         const char* ClassName() const override { return #Name; } \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 
 // Using a nil object.
 LARKFEN_DECLARE_EXCEPTION(NilObjectException);

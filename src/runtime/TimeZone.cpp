@@ -16,7 +16,7 @@ using std::chrono::sys_seconds;
 
 constexpr const char* kUnknownZone = "Unknown time zone: ";
 constexpr const char* kOffsetOutOfRange = "Time zone offset out of range";
-constexpr int64_t kLargestOffset = 18 * 3600;
+constexpr int64_t kLargestOffset = int64_t{18} * 3600;
 
 struct CommonAbbreviation {
     std::string_view name;
@@ -108,9 +108,11 @@ std::string FixedAbbreviation(int64_t offset) {
         return "GMT";
     const int64_t magnitude = offset < 0 ? -offset : offset;
     std::string text(offset < 0 ? "-" : "+");
-    text += Format(static_cast<double>(magnitude / 3600), "00");
-    if (magnitude % 3600 / 60 != 0)
-        text += Format(static_cast<double>(magnitude % 3600 / 60), "00");
+    const int64_t hours = magnitude / 3600;
+    const int64_t minutes = magnitude % 3600 / 60;
+    text += Format(static_cast<double>(hours), "00");
+    if (minutes != 0)
+        text += Format(static_cast<double>(minutes), "00");
     return text;
 }
 
