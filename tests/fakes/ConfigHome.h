@@ -1,4 +1,4 @@
-// A temporary XDG_CONFIG_HOME for the life of the object.
+// A temporary folder that is XDG_CONFIG_HOME for the life of the object.
 #pragma once
 
 #include <string>
@@ -6,14 +6,12 @@
 #include "fakes/ScopedEnvironment.h"
 #include "fakes/TempFolder.h"
 
-class ConfigHome {
+class ConfigHome : public TempFolder {
   public:
-    ConfigHome() { environment_.Set("XDG_CONFIG_HOME", folder_.Path()); }
+    ConfigHome() { environment_.Set("XDG_CONFIG_HOME", Path()); }
 
-    const std::string& Path() const { return folder_.Path(); }
     std::string Domain(const std::string& name) const { return Path() + "/" + name + ".plist"; }
 
   private:
-    TempFolder folder_;
     ScopedEnvironment environment_;
 };

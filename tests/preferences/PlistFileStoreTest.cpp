@@ -10,9 +10,8 @@
 #include <filesystem>
 #include <random>
 
+#include "fakes/ConfigHome.h"
 #include "fakes/RecordingLog.h"
-#include "fakes/ScopedEnvironment.h"
-#include "fakes/TempFolder.h"
 #include "platform/PreferenceStore.h"
 #include "platform/PropertyListFile.h"
 
@@ -49,10 +48,7 @@ bool Exited0(pid_t pid) {
 // A configuration folder of its own for each test, which the store reads as new.
 class PlistFileStore : public testing::Test {
   protected:
-    PlistFileStore() { environment_.Set("XDG_CONFIG_HOME", home_.Path()); }
-
-    TempFolder home_;
-    ScopedEnvironment environment_;
+    ConfigHome home_;
     const std::string path_ = home_ / kFile;
 };
 

@@ -255,8 +255,7 @@ class PlistFileStore final : public PreferenceStore {
         } else {
             write = differs;
         }
-        if (write && !Publish(path, merged, /*keepOldAsCorrupt=*/damaged &&
-                                                status != PropertyListRead::Status::kMissing)) {
+        if (write && !Publish(path, merged, /*keepOldAsCorrupt=*/damaged)) {
             return false;
         }
         view.values = std::move(merged);
